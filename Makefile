@@ -1,0 +1,80 @@
+# Tarn: the two commands a newcomer needs are `make run` and `make test`; both install what the
+# build needs first (`make deps`).
+
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+BENCH_BUILD ?= build-bench
+FUZZ_BUILD ?= build-fuzz
+JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+GUI        ?= ON
+CMAKE_GEN  := $(shell command -v ninja >/dev/null 2>&1 && echo "-G Ninja")
+EXAMPLE    ?= examples/example-is683e.prl
+
+# Debian packages the build, the tests, the benchmarks and the fuzzers need.
+DEB_PACKAGES := build-essential cmake ninja-build pkg-config \
+	libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev \
+	qt6-base-dev qt6-base-dev-tools libgl1-mesa-dev fonts-dejavu-core \
+	clang libclang-rt-14-dev xvfb xauth
+
+SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
+
+.PHONY: all deps build build-asan run test test-normal test-asan bench fuzz clean
+
+all: build
+
+deps:
+	@missing=""; for p in $(DEB_PACKAGES); do \
+	  dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "install ok installed" || missing="$$missing $$p"; \
+	done; \
+	if [ -n "$$missing" ]; then \
+	  echo "Installing:$$missing"; \
+	  $(SUDO) apt-get update -qq && \
+	  DEBIAN_FRONTEND=noninteractive $(SUDO) apt-get install -y -qq --no-install-recommends $$missing; \
+	else echo "All build dependencies are installed."; fi
+
+$(BUILD)/CMakeCache.txt:
+	cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARN_BUILD_GUI=$(GUI)
+
+build: deps $(BUILD)/CMakeCache.txt
+	cmake --build $(BUILD) -j $(JOBS)
+
+$(ASAN_BUILD)/CMakeCache.txt:
+	cmake -S . -B $(ASAN_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DTARN_SANITIZE=ON -DTARN_BUILD_GUI=$(GUI)
+
+build-asan: deps $(ASAN_BUILD)/CMakeCache.txt
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+
+# With a display the editor opens the example; without one it runs the unattended text conversion
+# of the example and prints the result.
+run: build
+	@if [ -x $(BUILD)/app/tarn ] && [ -n "$$DISPLAY" ]; then \
+	  $(BUILD)/app/tarn $(EXAMPLE); \
+	elif [ -x $(BUILD)/app/tarn ]; then \
+	  out=$$(mktemp --suffix=.txt); \
+	  QT_QPA_PLATFORM=offscreen $(BUILD)/app/tarn -f $(EXAMPLE) $$out && cat $$out; rc=$$?; rm -f $$out; exit $$rc; \
+	else \
+	  $(BUILD)/cli/tarn-cli text $(EXAMPLE); \
+	fi
+
+test-normal: build
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+test-asan: build-asan
+	cd $(ASAN_BUILD) && QT_QPA_PLATFORM=offscreen \
+	  ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp \
+	  ctest --output-on-failure -j $(JOBS)
+
+test: test-normal test-asan
+
+bench: deps
+	cmake -S . -B $(BENCH_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DTARN_BUILD_BENCH=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=$(GUI)
+	cmake --build $(BENCH_BUILD) -j $(JOBS)
+	@for b in $(BENCH_BUILD)/bench/bench_*; do [ -x "$$b" ] && "$$b" || exit 1; done
+
+fuzz: deps
+	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARN_BUILD_FUZZ=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=OFF
+	cmake --build $(FUZZ_BUILD) -j $(JOBS)
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)

@@ -1,0 +1,104 @@
+// CRLItem, the base of every record of every table, and CRLItemList, the owning ordered list of
+// records that every table of every file kind is made of.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+namespace Tarn {
+
+class CRLFile;
+class Grid;
+class CRLItemList;
+
+// What a record needs to know about its surroundings while it is taken back from a grid row:
+// the version of the list, and for system records the acquisition table they point into.
+struct GridContext {
+    int version = 0;
+    const CRLItemList* acqTable = nullptr;
+};
+
+class CRLItem {
+public:
+    virtual ~CRLItem() = default;
+
+    // Binary form: each returns the number of bits consumed or produced.
+    virtual uint32_t Read(CRLFile& file) = 0;
+    virtual uint32_t Write(CRLFile& file) const = 0;
+
+    // Asked right after a record was read: another record to keep in its place, or nothing.
+    virtual std::unique_ptr<CRLItem> GetReplacement() { return nullptr; }
+
+    virtual std::unique_ptr<CRLItem> Clone() const = 0;
+
+    // Grid editing: a record fills the cells of its row and rebuilds itself from them, raising a
+    // GridError naming the cell that is missing or out of range.
+    virtual void WriteToGrid(Grid& grid, int row) const;
+    virtual void ReadFromGrid(const Grid& grid, int row, const GridContext& context);
+    // Titles the grid's columns for this record on the heading event; other events are ignored
+    // and report success.
+    virtual bool OnGridHeading(Grid& grid, int event) const;
+
+    // Text form: tab-terminated fields; FromText takes the tokens of one line after its index
+    // and type code.
+    virtual std::string ToText() const;
+    virtual void FromText(const std::vector<std::string>& tokens);
+
+    // JSON form: the record's fields as one object (the caller adds what identifies the record).
+    virtual void ToJson(nlohmann::json& out) const;
+    virtual void FromJson(const nlohmann::json& in);
+};
+
+// Creates the next record of a table from the stream (reading its type where the format has one),
+// or returns nothing when the type has no record class.
+class CReadHelper {
+public:
+    virtual ~CReadHelper() = default;
+    virtual std::unique_ptr<CRLItem> CreateItem(CRLFile& file) = 0;
+};
+
+class CRLItemList {
+public:
+    CRLItemList() = default;
+    CRLItemList(const CRLItemList& other);
+    CRLItemList& operator=(const CRLItemList& other);
+    CRLItemList(CRLItemList&&) noexcept = default;
+    CRLItemList& operator=(CRLItemList&&) noexcept = default;
+
+    // The count announced by a header before the records are read. A count of 2^30 or more is
+    // refused with std::length_error; room is reserved only up to what any file can hold.
+    void SetAnnouncedCount(uint32_t count);
+    uint32_t GetAnnouncedCount() const { return announced_; }
+
+    size_t GetSize() const { return items_.size(); }
+    bool IsEmpty() const { return items_.empty(); }
+    CRLItem* GetAt(size_t index) { return items_.at(index).get(); }
+    const CRLItem* GetAt(size_t index) const { return items_.at(index).get(); }
+
+    void Add(std::unique_ptr<CRLItem> item) { items_.push_back(std::move(item)); }
+    void InsertAt(size_t index, std::unique_ptr<CRLItem> item);
+    void RemoveAt(size_t index);
+    std::unique_ptr<CRLItem> TakeAt(size_t index);
+    std::unique_ptr<CRLItem> ReplaceAt(size_t index, std::unique_ptr<CRLItem> item);
+    void Clear() { items_.clear(); }
+
+    // Reads the announced number of records through `helper`. Stops and reports 0 bits when the
+    // helper gives no record (the records read so far are kept).
+    uint32_t Read(CRLFile& file, CReadHelper& helper);
+    // Writes every record in order; the sum of their bits.
+    uint32_t Write(CRLFile& file) const;
+
+    auto begin() { return items_.begin(); }
+    auto end() { return items_.end(); }
+    auto begin() const { return items_.begin(); }
+    auto end() const { return items_.end(); }
+
+private:
+    std::vector<std::unique_ptr<CRLItem>> items_;
+    uint32_t announced_ = 0;
+};
+
+}  // namespace Tarn

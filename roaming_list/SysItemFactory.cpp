@@ -1,0 +1,7 @@
+#include "roaming_list/SysItem.h"
+
+namespace Tarn {
+
+std::unique_ptr<CSysItem> CreateSysItem(int, int) { return nullptr; }
+
+}  // namespace Tarn
