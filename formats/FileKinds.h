@@ -1,0 +1,86 @@
+// One registry of the file kinds Tarn reads and writes: their names, extensions and dialog
+// filters, how a kind is chosen from a path, and a headless document per kind that the command
+// line and the editor both use to read, check, render, export and write a file.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+namespace Tarn {
+
+// In the order the editor registers its document templates.
+enum class FileKind {
+    None = 0,
+    RoamingList,      // binary, IS-683A..IS-683E
+    RoamingListText,  // the text form, ".txt"
+    Mspl,
+    Bst3Gpp,
+    Mlpl,
+    Plmn,
+    TechOrder,
+    Laf,
+};
+
+// Rule A: the kind from the path's lower-cased extension ("prl", "bin", "rl*" and an empty path
+// give RoamingList; "hin", "hrl", "laf" and unknown extensions give None, as designed).
+FileKind KindByExtension(const std::string& path);
+// Rule B: the case-sensitive substring search over the whole path, then "laf", then rule A.
+FileKind KindForOpen(const std::string& path);
+// The PLMN list kind from a path: 1 EHPLMN, 2 OPLMN, 3 UPLMN, 0 unset (substring search, only
+// the all-lower and all-upper spellings).
+int PlmnListKindFromPath(const std::string& path);
+
+// What one problem found by a check says: the message shown to the user.
+struct CheckProblem {
+    std::string message;
+};
+
+// A file of some kind held in memory, without any user interface.
+class FileDocument {
+public:
+    virtual ~FileDocument() = default;
+    virtual FileKind Kind() const = 0;
+    // "IS-683C", "MSPL", "EHPLMN", ... : what `check` and `info` print as the file's kind.
+    virtual std::string KindName() const = 0;
+    // The text form exactly as the editor's text view shows it (lines end in "\r\n").
+    virtual std::string RenderText() const = 0;
+    // The whole file as JSON; `FileKindInfo::fromJson` reads the same shape back.
+    virtual void ToJson(nlohmann::json& out) const = 0;
+    // The checks a save would run; empty when the file may be written as it is.
+    virtual std::vector<CheckProblem> Check() const = 0;
+    // A few human-readable lines: header fields and record counts.
+    virtual std::vector<std::string> Info() const = 0;
+    // The file's bytes as a save would write them; false with a reason when it cannot be written.
+    virtual bool Write(std::vector<uint8_t>& bytes, std::string& error) const = 0;
+};
+
+struct FileKindInfo {
+    FileKind kind;
+    std::string name;                     // "Roaming List", "MSPL", ...
+    std::vector<std::string> extensions;  // without the dot, as written in the filter
+    std::string filter;                   // "Mspl Files (*.mspl)"
+    // Reads a file's bytes; `path` is given for kinds that depend on the name (PLMN lists).
+    // Returns nothing and sets `error` to one clear line when the bytes are not such a file.
+    std::function<std::unique_ptr<FileDocument>(const std::vector<uint8_t>& bytes,
+                                                const std::string& path, std::string& error)>
+        read;
+    // Builds a file of this kind from its JSON form; nothing and `error` when the JSON is wrong.
+    std::function<std::unique_ptr<FileDocument>(const nlohmann::json& json, const std::string& path,
+                                                std::string& error)>
+        fromJson;
+};
+
+// Every kind, in registration order.
+const std::vector<FileKindInfo>& FileKinds();
+const FileKindInfo* FindFileKind(FileKind kind);
+
+// Adds the six MMSS kinds (defined with the MMSS code).
+void AddMmssFileKinds(std::vector<FileKindInfo>& kinds);
+// Adds the roaming list kinds (binary and text).
+void AddRoamingListFileKinds(std::vector<FileKindInfo>& kinds);
+
+}  // namespace Tarn
