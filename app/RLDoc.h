@@ -1,0 +1,94 @@
+// CRLDoc: the document behind every open roaming list, binary or text. It owns the list and the
+// manager of its version, the two record grids the views edit, and the header fields.
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "app/Document.h"
+#include "app/RLCoreOps.h"
+#include "grid/qt/GridModel.h"
+
+namespace Tarn {
+
+class CRLManager;
+
+class CRLDoc : public CDocument {
+    Q_OBJECT
+public:
+    enum class Table { Acq, Sys };
+    enum class HeaderField { DefaultRoamInd, PrefListId };
+
+    // `textView`: made by the text template, so its window shows the text form.
+    CRLDoc(CDocTemplate& tmpl, bool textView);
+    ~CRLDoc() override;
+
+    bool OnNewDocument() override;
+    bool OnOpenDocument(const QString& path) override;
+    bool OnSaveDocument(const QString& path) override;
+    std::unique_ptr<QWidget> CreateMainView() override;
+    bool GetPrintText(QString& text) override;
+    FileDialogSpec SaveAsSpec() const override;
+
+    int Version() const { return version_; }
+    const CRLManager& Manager() const { return *manager_; }
+    GridModel& Grid(Table table) { return table == Table::Acq ? acqGrid_ : sysGrid_; }
+    bool IsTextView() const { return textView_; }
+
+    const HeaderTexts& Header() const { return header_; }
+    // A header change from the property view (undoable; nothing happens when nothing changed).
+    void SetHeader(const HeaderTexts& header);
+
+    bool IsReadOnly() const override { return readOnly_; }
+    void SetReadOnly(bool readOnly) { readOnly_ = readOnly; }
+
+    // Takes every value back from the views and checks it; shows the first problem (moving the
+    // cursor to it) and returns nothing when there is one.
+    std::unique_ptr<CRLData> TakeValues();
+
+    // "RL Type Conversion": asks for the target version, then ConvertTo.
+    void OnTypeConversion();
+    // Converts the open list; false when refused, cancelled or failed (the list is unchanged).
+    bool ConvertTo(int version);
+
+    // The text form of the list as the views hold it (message 162 when it cannot be made).
+    bool RenderText(QString& text);
+
+    // Re-titles the grid's columns for the record of `row`.
+    void RefreshHeadings(Table table, int row);
+
+    // The unattended conversions of the command line; each returns the exit status.
+    static int ConvertBinaryToText(const QString& binaryPath, const QString& textPath);
+    static int ConvertTextToBinary(const QString& textPath, const QString& binaryPath);
+
+signals:
+    // Views push what is still being typed into the document.
+    void commitViews();
+    void headerChanged();
+    void versionChanged();
+    void focusHeaderField(HeaderField field);
+    void focusCell(Table table, int column, int row);
+
+private:
+    friend class HeaderCommand;
+    void ApplyHeader(const HeaderTexts& header);
+    void AttachManager(std::unique_ptr<CRLManager> manager);
+    void LoadViewsFromList();
+    void InitTypeCell(Table table, int row);
+    void ChangeRowType(Table table, int row, const std::string& typeName);
+    void ShowProblem(const ListProblem& problem);
+
+    bool textView_;
+    int version_ = 5;
+    bool readOnly_ = false;
+    std::unique_ptr<CRLManager> manager_;
+    HeaderTexts header_;
+    GridModel acqGrid_;
+    GridModel sysGrid_;
+};
+
+// The version a new roaming list takes: the current one chosen by a New command, or IS-683E
+// when none was chosen yet.
+int VersionForNewList();
+
+}  // namespace Tarn
