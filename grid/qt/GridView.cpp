@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPainter>
 #include <QRegularExpressionValidator>
 #include <QUndoStack>
 #include <algorithm>
@@ -49,6 +50,36 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
         edit->setMaxLength(static_cast<int>(mask.size()));
     }
     return edit;
+}
+
+void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                         const QModelIndex& index) const {
+    if (static_cast<CellKind>(index.data(kCellKindRole).toInt()) != CellKind::DropDown)
+        return QStyledItemDelegate::paint(painter, option, index);
+    QStyleOptionViewItem opt(option);
+    initStyleOption(&opt, index);
+    const int arrow = std::min(opt.rect.height() - 6, 10);
+    opt.rect.adjust(0, 0, -(arrow + 6), 0);
+    if (opt.text.isEmpty()) {
+        opt.text = tr("(choose)");
+        opt.palette.setColor(QPalette::Text, opt.palette.color(QPalette::PlaceholderText));
+        opt.palette.setColor(QPalette::HighlightedText, opt.palette.color(QPalette::PlaceholderText));
+    }
+    const QWidget* widget = option.widget;
+    QStyle* style = widget ? widget->style() : QApplication::style();
+    // The background spans the whole cell, the text stops short of the arrow.
+    QStyleOptionViewItem back(option);
+    initStyleOption(&back, index);
+    back.text.clear();
+    style->drawControl(QStyle::CE_ItemViewItem, &back, painter, widget);
+    style->drawItemText(painter, opt.rect.adjusted(3, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, opt.palette,
+                        true, opt.fontMetrics.elidedText(opt.text, Qt::ElideRight, opt.rect.width() - 4),
+                        (opt.state & QStyle::State_Selected) ? QPalette::HighlightedText : QPalette::Text);
+    QStyleOption arrowOpt;
+    arrowOpt.rect = QRect(option.rect.right() - arrow - 3, option.rect.center().y() - arrow / 2, arrow, arrow);
+    arrowOpt.palette = option.palette;
+    arrowOpt.state = QStyle::State_Enabled;
+    style->drawPrimitive(QStyle::PE_IndicatorArrowDown, &arrowOpt, painter, widget);
 }
 
 void GridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {

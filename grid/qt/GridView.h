@@ -22,6 +22,9 @@ public:
     void setEditorData(QWidget* editor, const QModelIndex& index) const override;
     void setModelData(QWidget* editor, QAbstractItemModel* model,
                       const QModelIndex& index) const override;
+    // Drop-down cells show an arrow, and an empty one a hint, so a new row says what to do.
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
 
     // The pattern a mask allows ("9999" -> up to four digits); empty for no restriction.
     static QString MaskPattern(const QString& mask);
