@@ -264,8 +264,10 @@ std::unique_ptr<CRLItem> CReadHelperAcqC::CreateItem(CRLFile& file) {
 }
 
 std::unique_ptr<CRLItem> CReadHelperSysC::CreateItem(CRLFile& file) {
-    file.ReadBits(5);  // the record length; records rely on their own widths
-    return CreateSysItem(static_cast<int>(file.ReadBits(4)), version_);
+    // Known records rely on their own widths; the length only lets an undefined record keep its
+    // opaque bytes.
+    const int length = static_cast<int>(file.ReadBits(5));
+    return CreateSysItem(static_cast<int>(file.ReadBits(4)), version_, length);
 }
 
 std::unique_ptr<CRLManager> CRLClassFactoryA::CreateManager() const {

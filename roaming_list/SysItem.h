@@ -23,7 +23,9 @@ public:
 };
 
 // The system record class of `type` in version `version` (1..5); nothing when the version has no
-// class for it. In versions 1 and 2 the read helper always asks for type 0.
-std::unique_ptr<CSysItem> CreateSysItem(int type, int version);
+// class for it. In versions 1 and 2 the read helper always asks for type 0. `lengthOctets` is the
+// record's 5-bit length as read in front of it (versions 3..5), so a record the editor does not
+// model can keep its opaque bytes; 0 when unknown.
+std::unique_ptr<CSysItem> CreateSysItem(int type, int version, int lengthOctets = 0);
 
 }  // namespace Tarn

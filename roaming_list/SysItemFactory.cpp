@@ -2,6 +2,6 @@
 
 namespace Tarn {
 
-std::unique_ptr<CSysItem> CreateSysItem(int, int) { return nullptr; }
+std::unique_ptr<CSysItem> CreateSysItem(int, int, int) { return nullptr; }
 
 }  // namespace Tarn
