@@ -14,7 +14,8 @@ namespace Lang {
 Exception::Exception(std::string message, std::string location)
     : message_(std::move(message)), location_(std::move(location)) {}
 
-Exception::Exception(const Exception& other) : std::exception(other), message_(other.what()), location_(other.location_) {}
+Exception::Exception(const Exception& other)
+    : std::exception(other), message_(other.what()), location_(other.location_) {}
 
 Exception& Exception::operator=(const Exception& other) {
     if (this != &other) {
@@ -26,15 +27,21 @@ Exception& Exception::operator=(const Exception& other) {
 
 Exception::~Exception() = default;
 
-const char* Exception::what() const noexcept { return message_.c_str(); }
+const char* Exception::what() const noexcept {
+    return message_.c_str();
+}
 
 void Exception::setMessage(std::string message) {
     message_ = message.empty() ? std::string("(null message)") : std::move(message);
 }
 
-void Exception::setLocation(std::string location) { location_ = std::move(location); }
+void Exception::setLocation(std::string location) {
+    location_ = std::move(location);
+}
 
-const char* Exception::location() const noexcept { return location_.c_str(); }
+const char* Exception::location() const noexcept {
+    return location_.c_str();
+}
 
 const std::string& Exception::defaultLocation() {
     static const std::string location = "Unknown Location";
@@ -179,7 +186,8 @@ std::string qualifiedFunctionName(std::string_view pretty) {
     for (size_t i = 0; i < pretty.size(); ++i) {
         if (depth == 0 && pretty.substr(i, kOperator.size()) == kOperator &&
             (i == 0 || !isIdentifierChar(pretty[i - 1])) &&
-            (i + kOperator.size() == pretty.size() || !isIdentifierChar(pretty[i + kOperator.size()]))) {
+            (i + kOperator.size() == pretty.size() ||
+             !isIdentifierChar(pretty[i + kOperator.size()]))) {
             // Operator names hold the very characters the scan below steers by: skip the symbol
             // ("()" included) and stop at the parameter list.
             size_t end = i + kOperator.size();
@@ -223,9 +231,10 @@ std::string sourceName(std::string_view file) {
     return std::string(file);
 }
 
-std::string makeLocation(std::string_view sourceFile, unsigned line, std::string_view prettyFunction) {
-    return sourceName(sourceFile) + "(" + std::to_string(line) + ") : " +
-           qualifiedFunctionName(prettyFunction);
+std::string makeLocation(std::string_view sourceFile, unsigned line,
+                         std::string_view prettyFunction) {
+    return sourceName(sourceFile) + "(" + std::to_string(line) +
+           ") : " + qualifiedFunctionName(prettyFunction);
 }
 
 }  // namespace Lang
@@ -247,6 +256,8 @@ const char* Exception::what() const noexcept {
     return message_.c_str();
 }
 
-std::string systemMessageText(uint32_t) { return {}; }
+std::string systemMessageText(uint32_t) {
+    return {};
+}
 
 }  // namespace Win32

@@ -70,7 +70,8 @@ private:
 
 // Location texts: the source path below its library folder without the extension, the line in
 // parentheses, " : " and the qualified function name, e.g. "File(57) : System::Io::File::open".
-std::string makeLocation(std::string_view sourceFile, unsigned line, std::string_view prettyFunction);
+std::string makeLocation(std::string_view sourceFile, unsigned line,
+                         std::string_view prettyFunction);
 // "System::Io::File::open" from a compiler's decorated function signature.
 std::string qualifiedFunctionName(std::string_view prettyFunction);
 // "File" from ".../foundation/File.cpp"; "Mspl/Data" from ".../mmss/Mspl/Data.cpp".

@@ -140,7 +140,9 @@ size_t File::write(const void* buffer, size_t count) {
 
 int64_t File::seek(int64_t offset, Origin origin) {
     if (!stream_) LANG_THROW(Lang::Exception, "file is not open");
-    const int whence = origin == Origin::Begin ? SEEK_SET : origin == Origin::Current ? SEEK_CUR : SEEK_END;
+    const int whence = origin == Origin::Begin     ? SEEK_SET
+                       : origin == Origin::Current ? SEEK_CUR
+                                                   : SEEK_END;
     if (::fseeko(stream_.get(), static_cast<off_t>(offset), whence) != 0)
         LANG_THROW(Lang::Exception, "seek failed");
     lastOp_ = LastOp::None;

@@ -20,7 +20,13 @@ struct Options {
     enum : unsigned { None = 0, Append = 1 };
 };
 struct Disposition {
-    enum : int { CreateNew = 1, CreateAlways = 2, OpenExisting = 3, OpenAlways = 4, TruncateExisting = 5 };
+    enum : int {
+        CreateNew = 1,
+        CreateAlways = 2,
+        OpenExisting = 3,
+        OpenAlways = 4,
+        TruncateExisting = 5
+    };
 };
 // Any value other than the three named ones denies both reading and writing.
 struct Sharing {

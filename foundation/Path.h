@@ -117,7 +117,8 @@ public:
                 LANG_THROW(Error, "Malformed Volume", std::string(text));
             length = share;
         } else if (text.size() >= 2 && text[1] == ':') {
-            if (!Traits::isDriveLetter(text[0]) || (text.size() > 2 && !Traits::isSeparator(text[2])))
+            if (!Traits::isDriveLetter(text[0]) ||
+                (text.size() > 2 && !Traits::isSeparator(text[2])))
                 LANG_THROW(Error, "Malformed Volume", std::string(text));
             length = text.size() > 2 ? 3 : 2;
         } else if (!text.empty() && Traits::isSeparator(text[0])) {

@@ -35,14 +35,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!manager.WriteList(written)) return 0;
 
     auto again = Tarn::CreateClassFactory(version)->CreateManager();
-    if (!again->ValidateFile(written)) Fail("written list does not validate", version, again->GetLastError());
+    if (!again->ValidateFile(written))
+        Fail("written list does not validate", version, again->GetLastError());
     try {
-        if (!again->ReadList(written)) Fail("written list does not read", version, again->GetLastError());
+        if (!again->ReadList(written))
+            Fail("written list does not read", version, again->GetLastError());
     } catch (const std::exception& e) {
         Fail("written list does not read", version, e.what());
     }
     Tarn::CRLFile rewritten;
-    if (!again->WriteList(rewritten)) Fail("re-read list does not write", version, again->GetLastError());
-    if (rewritten.Bytes() != written.Bytes()) Fail("second write differs from the first", version, "");
+    if (!again->WriteList(rewritten))
+        Fail("re-read list does not write", version, again->GetLastError());
+    if (rewritten.Bytes() != written.Bytes())
+        Fail("second write differs from the first", version, "");
     return 0;
 }

@@ -44,7 +44,9 @@ TEST(ErrnoException, JoinsContextAndTextAndStartsAtTheDefaultLocation) {
     EXPECT_STREQ(plain.location(), "Unknown Location");
 
     Lang::ErrnoException placed("Failed to Open File \"x\"", ENOENT, "File(9) : f");
-    EXPECT_EQ(std::string(placed.what()).rfind("Failed to Open File \"x\": No such file or directory.", 0), 0u);
+    EXPECT_EQ(std::string(placed.what())
+                  .rfind("Failed to Open File \"x\": No such file or directory.", 0),
+              0u);
     EXPECT_STREQ(placed.location(), "File(9) : f");
 }
 
@@ -123,7 +125,8 @@ TEST(Location, QualifiedFunctionNameFromDecoratedSignatures) {
         {"void f(T) [with T = int]", "f"},
         {"main", "main"},
     };
-    for (const auto& c : cases) EXPECT_EQ(Lang::qualifiedFunctionName(c.pretty), c.name) << c.pretty;
+    for (const auto& c : cases)
+        EXPECT_EQ(Lang::qualifiedFunctionName(c.pretty), c.name) << c.pretty;
 }
 
 TEST(Location, SourceNameIsRelativeToTheLibraryWithoutExtension) {
@@ -131,8 +134,9 @@ TEST(Location, SourceNameIsRelativeToTheLibraryWithoutExtension) {
     EXPECT_EQ(Lang::sourceName("/somewhere/else/File.cpp"), "File");
     EXPECT_EQ(Lang::sourceName("C:\\src\\Io\\File.cpp"), "File");
     EXPECT_EQ(Lang::sourceName("noext"), "noext");
-    EXPECT_EQ(Lang::makeLocation("/x/File.cpp", 122, "std::string System::Io::buildModeString(int)"),
-              "File(122) : System::Io::buildModeString");
+    EXPECT_EQ(
+        Lang::makeLocation("/x/File.cpp", 122, "std::string System::Io::buildModeString(int)"),
+        "File(122) : System::Io::buildModeString");
 }
 
 TEST(ThrowConvention, TracesLocationAndExpressionBeforeThrowing) {
@@ -147,7 +151,8 @@ TEST(ThrowConvention, TracesLocationAndExpressionBeforeThrowing) {
         EXPECT_STREQ(e.what(), "Illegal Open Mode");
         location = e.location();
     }
-    EXPECT_TRUE(std::regex_match(location, std::regex(R"(File\(\d+\) : System::Io::buildModeString)")))
+    EXPECT_TRUE(
+        std::regex_match(location, std::regex(R"(File\(\d+\) : System::Io::buildModeString)")))
         << location;
     ASSERT_EQ(records.size(), 1u);
     EXPECT_EQ(records[0], location + ": Throwing Lang::Exception(\"Illegal Open Mode\")\r\n");

@@ -98,15 +98,19 @@ TEST_F(FileTest, OpenDispositions) {
          "File: %p already exists.", "hello"},
         {"create new makes a file", Access::ReadWrite, Disposition::CreateNew, false, "", ""},
         {"create always replaces (write)", Access::Write, Disposition::CreateAlways, true, "", ""},
-        {"create always replaces (read/write)", Access::ReadWrite, Disposition::CreateAlways, true, "", ""},
+        {"create always replaces (read/write)", Access::ReadWrite, Disposition::CreateAlways, true,
+         "", ""},
         {"open existing refuses a missing file", Access::Read, Disposition::OpenExisting, false,
          "File: %p does not exist.", nullptr},
-        {"open existing keeps the content", Access::ReadWrite, Disposition::OpenExisting, true, "", "hello"},
+        {"open existing keeps the content", Access::ReadWrite, Disposition::OpenExisting, true, "",
+         "hello"},
         {"open always creates", Access::ReadWrite, Disposition::OpenAlways, false, "", ""},
-        {"open always keeps the content", Access::ReadWrite, Disposition::OpenAlways, true, "", "hello"},
-        {"truncate existing refuses a missing file", Access::ReadWrite, Disposition::TruncateExisting,
-         false, "File: %p does not exist.", nullptr},
-        {"truncate existing empties", Access::ReadWrite, Disposition::TruncateExisting, true, "", ""},
+        {"open always keeps the content", Access::ReadWrite, Disposition::OpenAlways, true, "",
+         "hello"},
+        {"truncate existing refuses a missing file", Access::ReadWrite,
+         Disposition::TruncateExisting, false, "File: %p does not exist.", nullptr},
+        {"truncate existing empties", Access::ReadWrite, Disposition::TruncateExisting, true, "",
+         ""},
         {"reading a missing file fails in the open", Access::Read, Disposition::OpenAlways, false,
          "Failed to Open File \"%p\": No such file or directory.", nullptr},
         {"an illegal access deletes nothing", 7, Disposition::CreateAlways, true,
@@ -118,10 +122,12 @@ TEST_F(FileTest, OpenDispositions) {
         fs::remove(p);
         if (c.preexisting) make("target", "hello");
         std::string expected = c.error;
-        if (auto at = expected.find("%p"); at != std::string::npos) expected.replace(at, 2, p.string());
+        if (auto at = expected.find("%p"); at != std::string::npos)
+            expected.replace(at, 2, p.string());
 
         File f;
-        const std::string error = messageOf([&] { f.open(p, c.access, 0, c.disposition, Sharing::DenyNone); });
+        const std::string error =
+            messageOf([&] { f.open(p, c.access, 0, c.disposition, Sharing::DenyNone); });
         EXPECT_EQ(error.substr(0, expected.size()), expected);
         EXPECT_EQ(error.empty(), expected.empty()) << error;
         EXPECT_EQ(f.isOpen(), expected.empty());
@@ -136,9 +142,13 @@ TEST_F(FileTest, OpenDispositions) {
 
 TEST_F(FileTest, EmptyPathPassesCreateNewButTheOpenFails) {
     File f;
-    EXPECT_EQ(messageOf([&] { f.open("", Access::ReadWrite, 0, Disposition::CreateNew, Sharing::DenyNone); }),
+    EXPECT_EQ(messageOf([&] {
+                  f.open("", Access::ReadWrite, 0, Disposition::CreateNew, Sharing::DenyNone);
+              }),
               std::string("Failed to Open File \"\": ") + Lang::errnoText(ENOENT));
-    EXPECT_EQ(messageOf([&] { f.open("", Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone); }),
+    EXPECT_EQ(messageOf([&] {
+                  f.open("", Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone);
+              }),
               "File:  does not exist.");
     EXPECT_FALSE(f.isOpen());
 }
@@ -147,7 +157,9 @@ TEST_F(FileTest, SecondOpenIsRefusedAndTheFirstStaysUsable) {
     const fs::path p = make("a", "abc");
     File f;
     f.open(p, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone);
-    EXPECT_EQ(messageOf([&] { f.open(p, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone); }),
+    EXPECT_EQ(messageOf([&] {
+                  f.open(p, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone);
+              }),
               "File already open");
     char buffer[3] = {};
     EXPECT_EQ(f.read(buffer, 3), 3u);
@@ -211,7 +223,8 @@ TEST_F(FileTest, ShortReadAtTheEndIsNoErrorAndSetsEof) {
 
 TEST_F(FileTest, SeeksAreSixtyFourBitAndRefuseNegativePositions) {
     File f;
-    f.open(make("k", "0123456789"), Access::ReadWrite, 0, Disposition::OpenExisting, Sharing::DenyNone);
+    f.open(make("k", "0123456789"), Access::ReadWrite, 0, Disposition::OpenExisting,
+           Sharing::DenyNone);
     EXPECT_EQ(f.seek(-3, Origin::End), 7);
     EXPECT_EQ(f.seek(2, Origin::Current), 9);
     EXPECT_EQ(f.seek(5'000'000'000LL, Origin::Begin), 5'000'000'000LL);
@@ -234,9 +247,12 @@ TEST_F(FileTest, AlternatingWritesAndReadsStayInStep) {
 
 TEST_F(FileTest, DirectoriesAreNotFiles) {
     File f;
-    EXPECT_EQ(messageOf([&] { f.open(dir_, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone); }),
+    EXPECT_EQ(messageOf([&] {
+                  f.open(dir_, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone);
+              }),
               "Failed to Open File \"" + dir_.string() + "\": " + Lang::errnoText(EACCES));
-    EXPECT_EQ(messageOf([&] { System::FileSystem::getFileSize(dir_); }), "Failed to get size: Not a file");
+    EXPECT_EQ(messageOf([&] { System::FileSystem::getFileSize(dir_); }),
+              "Failed to get size: Not a file");
     EXPECT_EQ(messageOf([&] { System::FileSystem::getFileSize(dir_ / "none"); }),
               "Failed to get size: Not a file");
 }
@@ -260,7 +276,8 @@ TEST_F(FileTest, SharingModesExcludeEachOther) {
         first.open(p, Access::Read, 0, Disposition::OpenExisting, c.first);
         File second;
         // A refused writer must not have emptied the file on its way to the refusal.
-        const std::string error = messageOf([&] { second.open(p, Access::Write, 0, Disposition::OpenExisting, c.second); });
+        const std::string error = messageOf(
+            [&] { second.open(p, Access::Write, 0, Disposition::OpenExisting, c.second); });
         EXPECT_EQ(second.isOpen(), c.secondOpens) << c.first << "/" << c.second << ": " << error;
         if (!c.secondOpens) {
             EXPECT_EQ(error.rfind("Failed to Open File \"" + p.string() + "\": ", 0), 0u) << error;

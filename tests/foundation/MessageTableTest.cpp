@@ -50,8 +50,9 @@ TEST(MessageTable, TextsByNumber) {
               "The range for this input is 0 - 2047");
     EXPECT_EQ(FormatMessage(Msg::ChannelGap, {6}),
               "At least one gap was detected between channels in record 6 of the ACQ table. ");
-    EXPECT_EQ(FormatMessage(Msg::MncTabRange, {2, 0, 999}),
-              "The value of MNC in Tab-2 is out of range.\nThe range for this input is 0 - 999 or FFF");
+    EXPECT_EQ(
+        FormatMessage(Msg::MncTabRange, {2, 0, 999}),
+        "The value of MNC in Tab-2 is out of range.\nThe range for this input is 0 - 999 or FFF");
     EXPECT_TRUE(HasMessage(Msg::VersionNotSupported));
     EXPECT_FALSE(HasMessage(131));
     EXPECT_EQ(MessageText(131), "");

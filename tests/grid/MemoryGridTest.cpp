@@ -17,7 +17,8 @@ std::vector<std::string> FirstColumn(const MemoryGrid& g) {
 
 MemoryGrid Lettered(int rows) {
     MemoryGrid g("T", 3, rows);
-    for (int row = 0; row < rows; ++row) g.SetCellText(0, row, std::string(1, static_cast<char>('a' + row)));
+    for (int row = 0; row < rows; ++row)
+        g.SetCellText(0, row, std::string(1, static_cast<char>('a' + row)));
     return g;
 }
 
@@ -52,11 +53,26 @@ TEST(MemoryGrid, InsertAndRemoveRowsMoveWholeRows) {
         {"insert in the middle", [](MemoryGrid& g) { g.InsertRow(1); }, {"a", "", "b", "c"}},
         {"insert at the top", [](MemoryGrid& g) { g.InsertRow(0); }, {"", "a", "b", "c"}},
         {"append", [](MemoryGrid& g) { g.InsertRow(3); }, {"a", "b", "c", ""}},
-        {"insert out of range", [](MemoryGrid& g) { g.InsertRow(4); g.InsertRow(-1); }, {"a", "b", "c"}},
+        {"insert out of range",
+         [](MemoryGrid& g) {
+             g.InsertRow(4);
+             g.InsertRow(-1);
+         },
+         {"a", "b", "c"}},
         {"remove the first", [](MemoryGrid& g) { g.RemoveRow(0); }, {"b", "c"}},
         {"remove the last", [](MemoryGrid& g) { g.RemoveRow(2); }, {"a", "b"}},
-        {"remove out of range", [](MemoryGrid& g) { g.RemoveRow(3); g.RemoveRow(-1); }, {"a", "b", "c"}},
-        {"remove then insert", [](MemoryGrid& g) { g.RemoveRow(1); g.InsertRow(1); }, {"a", "", "c"}},
+        {"remove out of range",
+         [](MemoryGrid& g) {
+             g.RemoveRow(3);
+             g.RemoveRow(-1);
+         },
+         {"a", "b", "c"}},
+        {"remove then insert",
+         [](MemoryGrid& g) {
+             g.RemoveRow(1);
+             g.InsertRow(1);
+         },
+         {"a", "", "c"}},
     };
     for (const auto& c : cases) {
         MemoryGrid g = Lettered(3);
