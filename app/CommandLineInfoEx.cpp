@@ -13,7 +13,8 @@ bool CCommandLineInfoEx::IsFlag(const std::string& param, std::string& name) {
     }
     if (param[0] == '/') {
         const std::string rest = param.substr(1);
-        if (rest.find('/') != std::string::npos || rest.find('.') != std::string::npos) return false;
+        if (rest.find('/') != std::string::npos || rest.find('.') != std::string::npos)
+            return false;
         name = rest;
         return true;
     }
@@ -53,8 +54,8 @@ StartupRequest DecideStartup(const CCommandLineInfoEx& info) {
         if (args->size() < 2) {
             req.mode = StartupRequest::Mode::Fail;
             req.option = option;
-            req.error = std::string("The option -") + option +
-                        " needs two file arguments: tarn -" + option + " FIRST SECOND";
+            req.error = std::string("The option -") + option + " needs two file arguments: tarn -" +
+                        option + " FIRST SECOND";
             return req;
         }
         req.mode = StartupRequest::Mode::CommandLine;

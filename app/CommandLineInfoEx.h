@@ -47,7 +47,7 @@ struct StartupRequest {
     std::string option;  // "f", "c" or "u" in command-line mode
     std::string first;   // first argument, or the file to open interactively
     std::string second;
-    std::string error;   // why start-up fails
+    std::string error;  // why start-up fails
 };
 
 // Options "f", then "c", then "u": the first present wins and needs two arguments.

@@ -12,7 +12,9 @@ namespace {
 QPointer<QWidget> g_defaultParent;
 }
 
-void CDocument::SetDefaultDialogParent(QWidget* parent) { g_defaultParent = parent; }
+void CDocument::SetDefaultDialogParent(QWidget* parent) {
+    g_defaultParent = parent;
+}
 
 // ---- CDocument ----------------------------------------------------------------------------------
 
@@ -26,10 +28,11 @@ FileDialogSpec CDocument::SaveAsSpec() const {
     FileDialogSpec spec;
     spec.title = tr("Save As");
     QString patterns;
-    for (const QString& ext : template_->GetDocString(DocString::FilterExt).split(';', Qt::SkipEmptyParts))
+    for (const QString& ext :
+         template_->GetDocString(DocString::FilterExt).split(';', Qt::SkipEmptyParts))
         patterns += (patterns.isEmpty() ? "*" : ";*") + ext;
-    spec.filter = template_->GetDocString(DocString::FilterName) + "|" + patterns +
-                  "|All Files (*.*)|*.*||";
+    spec.filter =
+        template_->GetDocString(DocString::FilterName) + "|" + patterns + "|All Files (*.*)|*.*||";
     spec.defaultSuffix = template_->GetDocString(DocString::FilterExt).section(';', 0, 0).mid(1);
     spec.initialPath = path_.isEmpty() ? title_ : path_;
     spec.fileMustExist = false;
@@ -72,17 +75,21 @@ bool CDocument::DoSave(QString path) {
 bool CDocument::SaveModified() {
     if (!IsModified()) return true;
     switch (Prompts().AskYesNoCancel(DialogParent(), tr("Save changes to %1?").arg(title_))) {
-        case Answer::Yes: return DoFileSave();
-        case Answer::No: return true;
-        case Answer::Cancel: break;
+        case Answer::Yes:
+            return DoFileSave();
+        case Answer::No:
+            return true;
+        case Answer::Cancel:
+            break;
     }
     return false;
 }
 
 void CDocument::RemoveWindow(QMdiSubWindow* window) {
-    windows_.erase(std::remove_if(windows_.begin(), windows_.end(),
-                                  [&](const QPointer<QMdiSubWindow>& w) { return !w || w == window; }),
-                   windows_.end());
+    windows_.erase(
+        std::remove_if(windows_.begin(), windows_.end(),
+                       [&](const QPointer<QMdiSubWindow>& w) { return !w || w == window; }),
+        windows_.end());
 }
 
 std::vector<QMdiSubWindow*> CDocument::Windows() const {

@@ -30,7 +30,10 @@ public:
     // The widget of the document's first window.
     virtual std::unique_ptr<QWidget> CreateMainView() = 0;
     // The text that Print and Print Preview put on paper; false when there is none.
-    virtual bool GetPrintText(QString& text) { (void)text; return false; }
+    virtual bool GetPrintText(QString& text) {
+        (void)text;
+        return false;
+    }
     // The dialog that Save As shows.
     virtual FileDialogSpec SaveAsSpec() const;
 
@@ -75,8 +78,15 @@ private:
 };
 
 // The seven fields of a template string, in order.
-enum class DocString { WindowTitle, DocName, FileNewName, FilterName, FilterExt, RegFileTypeId,
-                       RegFileTypeName };
+enum class DocString {
+    WindowTitle,
+    DocName,
+    FileNewName,
+    FilterName,
+    FilterExt,
+    RegFileTypeId,
+    RegFileTypeName
+};
 
 class CDocTemplate {
 public:

@@ -92,10 +92,12 @@ void SaveWindowPlacement(const WindowPlacement& p) {
 QString PrintDateText(const QDateTime& when) {
     const QDate d = when.date();
     const QTime t = when.time();
-    return QString::asprintf("%02d/%02d/%04d %02d:%02d", d.month(), d.day(), d.year(), t.hour(), t.minute());
+    return QString::asprintf("%02d/%02d/%04d %02d:%02d", d.month(), d.day(), d.year(), t.hour(),
+                             t.minute());
 }
 
-void PrintTextPages(QPrinter& printer, const QString& title, const QString& text, const QDateTime& when) {
+void PrintTextPages(QPrinter& printer, const QString& title, const QString& text,
+                    const QDateTime& when) {
     QPainter painter;
     if (!painter.begin(&printer)) return;
     QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
@@ -108,7 +110,8 @@ void PrintTextPages(QPrinter& printer, const QString& title, const QString& text
     const int linesPerPage = std::max(1, (page.height() - top - lineHeight * 2) / lineHeight);
 
     QStringList lines = QString(text).replace("\r\n", "\n").split('\n');
-    const int pages = std::max<int>(1, static_cast<int>((lines.size() + linesPerPage - 1) / linesPerPage));
+    const int pages =
+        std::max<int>(1, static_cast<int>((lines.size() + linesPerPage - 1) / linesPerPage));
     const QString date = PrintDateText(when);
     for (int p = 0; p < pages; ++p) {
         if (p > 0) printer.newPage();
@@ -116,12 +119,13 @@ void PrintTextPages(QPrinter& printer, const QString& title, const QString& text
         painter.drawText(QRect(0, 0, page.width(), lineHeight), Qt::AlignRight, date);
         painter.drawLine(0, lineHeight + lineHeight / 2, page.width(), lineHeight + lineHeight / 2);
         int y = top;
-        for (int i = p * linesPerPage; i < std::min<int>(static_cast<int>(lines.size()), (p + 1) * linesPerPage); ++i) {
+        for (int i = p * linesPerPage;
+             i < std::min<int>(static_cast<int>(lines.size()), (p + 1) * linesPerPage); ++i) {
             painter.drawText(0, y + fm.ascent(), ExpandTabs(lines[i]));
             y += lineHeight;
         }
-        painter.drawText(QRect(0, page.height() - lineHeight, page.width(), lineHeight), Qt::AlignHCenter,
-                         QObject::tr("Page %1 of %2").arg(p + 1).arg(pages));
+        painter.drawText(QRect(0, page.height() - lineHeight, page.width(), lineHeight),
+                         Qt::AlignHCenter, QObject::tr("Page %1 of %2").arg(p + 1).arg(pages));
     }
     painter.end();
 }
@@ -176,8 +180,9 @@ void CMainFrame::BuildMenus() {
     // File
     fileMenu_ = menuBar()->addMenu(tr("&File"));
     QMenu* newMenu = fileMenu_->addMenu(tr("&New"));
-    connectTo(Add(newMenu, MakeAction(Cmd::FileNew, tr("&Roaming List"), {K(Qt::CTRL | Qt::Key_N)})),
-              [this] { app_.OnFileNew(); });
+    connectTo(
+        Add(newMenu, MakeAction(Cmd::FileNew, tr("&Roaming List"), {K(Qt::CTRL | Qt::Key_N)})),
+        [this] { app_.OnFileNew(); });
     newMenu->addSeparator();
     const struct {
         int id;
@@ -221,27 +226,36 @@ void CMainFrame::BuildMenus() {
     }
     connectTo(Add(fileMenu_, MakeAction(Cmd::FileOpen, tr("&Open..."), {K(Qt::CTRL | Qt::Key_O)})),
               [this] { app_.OnFileOpen(); });
-    connectTo(Add(fileMenu_, MakeAction(Cmd::FileClose, tr("&Close"), {K(Qt::CTRL | Qt::Key_W)})), [this] {
-        if (QMdiSubWindow* w = mdi_->activeSubWindow()) w->close();
-    });
-    connectTo(Add(fileMenu_, MakeAction(Cmd::FileSave, tr("&Save"), {K(Qt::CTRL | Qt::Key_S)})), [this] {
-        if (CDocument* d = ActiveDocument()) d->DoFileSave();
-    });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::FileClose, tr("&Close"), {K(Qt::CTRL | Qt::Key_W)})),
+              [this] {
+                  if (QMdiSubWindow* w = mdi_->activeSubWindow()) w->close();
+              });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::FileSave, tr("&Save"), {K(Qt::CTRL | Qt::Key_S)})),
+              [this] {
+                  if (CDocument* d = ActiveDocument()) d->DoFileSave();
+              });
     connectTo(Add(fileMenu_, MakeAction(Cmd::FileSaveAs, tr("Save &As..."))), [this] {
         if (CDocument* d = ActiveDocument()) d->DoSave({});
     });
     fileMenu_->addSeparator();
     QMenu* concat = fileMenu_->addMenu(tr("Concatenated PR&L"));
-    connectTo(Add(concat, MakeAction(Cmd::JoinConcatPrl, tr("&Join..."))), [this] { app_.OnJoinWizard(); });
-    connectTo(Add(concat, MakeAction(Cmd::SplitConcatPrl, tr("&Split..."))), [this] { app_.OnSplitWizard(); });
+    connectTo(Add(concat, MakeAction(Cmd::JoinConcatPrl, tr("&Join..."))),
+              [this] { app_.OnJoinWizard(); });
+    connectTo(Add(concat, MakeAction(Cmd::SplitConcatPrl, tr("&Split..."))),
+              [this] { app_.OnSplitWizard(); });
     fileMenu_->addSeparator();
-    connectTo(Add(fileMenu_, MakeAction(Cmd::TextView, tr("&Text View"), {K(Qt::CTRL | Qt::Key_T)})), [this] {
-        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) AddTextViewWindow(*d);
-    });
-    connectTo(Add(fileMenu_, MakeAction(Cmd::FilePrint, tr("&Print..."), {K(Qt::CTRL | Qt::Key_P)})),
-              [this] { OnPrint(false); });
-    connectTo(Add(fileMenu_, MakeAction(Cmd::FilePrintPreview, tr("Print Pre&view"))), [this] { OnPrint(true); });
-    connectTo(Add(fileMenu_, MakeAction(Cmd::FilePrintSetup, tr("P&rint Setup..."))), [this] { OnPrintSetup(); });
+    connectTo(
+        Add(fileMenu_, MakeAction(Cmd::TextView, tr("&Text View"), {K(Qt::CTRL | Qt::Key_T)})),
+        [this] {
+            if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) AddTextViewWindow(*d);
+        });
+    connectTo(
+        Add(fileMenu_, MakeAction(Cmd::FilePrint, tr("&Print..."), {K(Qt::CTRL | Qt::Key_P)})),
+        [this] { OnPrint(false); });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::FilePrintPreview, tr("Print Pre&view"))),
+              [this] { OnPrint(true); });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::FilePrintSetup, tr("P&rint Setup..."))),
+              [this] { OnPrintSetup(); });
     recentSeparator_ = fileMenu_->addSeparator();
     fileMenu_->addSeparator();
     connectTo(Add(fileMenu_, MakeAction(Cmd::AppExit, tr("E&xit"), {K(Qt::CTRL | Qt::Key_Q)})),
@@ -250,15 +264,16 @@ void CMainFrame::BuildMenus() {
     // Edit
     editMenu_ = menuBar()->addMenu(tr("E&dit"));
     connectTo(Add(editMenu_, MakeAction(Cmd::EditUndo, tr("&Undo"),
-                                              {K(Qt::CTRL | Qt::Key_Z), K(Qt::ALT | Qt::Key_Backspace)})),
+                                        {K(Qt::CTRL | Qt::Key_Z), K(Qt::ALT | Qt::Key_Backspace)})),
               [this] {
                   if (CDocument* d = ActiveDocument()) d->UndoStack().undo();
               });
-    connectTo(Add(editMenu_, MakeAction(Cmd::EditRedo, tr("&Redo"),
-                                              {K(Qt::CTRL | Qt::Key_Y), K(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)})),
-              [this] {
-                  if (CDocument* d = ActiveDocument()) d->UndoStack().redo();
-              });
+    connectTo(
+        Add(editMenu_, MakeAction(Cmd::EditRedo, tr("&Redo"),
+                                  {K(Qt::CTRL | Qt::Key_Y), K(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)})),
+        [this] {
+            if (CDocument* d = ActiveDocument()) d->UndoStack().redo();
+        });
     editMenu_->addSeparator();
     auto onGrid = [this](void (GridView::*fn)()) {
         return [this, fn] {
@@ -266,27 +281,30 @@ void CMainFrame::BuildMenus() {
         };
     };
     connectTo(Add(editMenu_, MakeAction(Cmd::EditCut, tr("Cu&t"),
-                                              {K(Qt::CTRL | Qt::Key_X), K(Qt::SHIFT | Qt::Key_Delete)})),
+                                        {K(Qt::CTRL | Qt::Key_X), K(Qt::SHIFT | Qt::Key_Delete)})),
               onGrid(&GridView::Cut));
     connectTo(Add(editMenu_, MakeAction(Cmd::EditCopy, tr("&Copy"),
-                                              {K(Qt::CTRL | Qt::Key_C), K(Qt::CTRL | Qt::Key_Insert)})),
+                                        {K(Qt::CTRL | Qt::Key_C), K(Qt::CTRL | Qt::Key_Insert)})),
               onGrid(&GridView::Copy));
     connectTo(Add(editMenu_, MakeAction(Cmd::EditPaste, tr("&Paste"),
-                                              {K(Qt::CTRL | Qt::Key_V), K(Qt::SHIFT | Qt::Key_Insert)})),
+                                        {K(Qt::CTRL | Qt::Key_V), K(Qt::SHIFT | Qt::Key_Insert)})),
               onGrid(&GridView::Paste));
     editMenu_->addSeparator();
-    connectTo(Add(editMenu_, MakeAction(Cmd::InsertRows, tr("&Insert Rows"), {K(Qt::CTRL | Qt::Key_I)})),
-              onGrid(&GridView::InsertRowsAtSelection));
+    connectTo(
+        Add(editMenu_, MakeAction(Cmd::InsertRows, tr("&Insert Rows"), {K(Qt::CTRL | Qt::Key_I)})),
+        onGrid(&GridView::InsertRowsAtSelection));
     connectTo(Add(editMenu_, MakeAction(Cmd::AppendRow, tr("A&dd Row"), {K(Qt::CTRL | Qt::Key_R)})),
               onGrid(&GridView::AppendRow));
-    connectTo(Add(editMenu_, MakeAction(Cmd::DeleteRows, tr("De&lete Rows"), {K(Qt::CTRL | Qt::Key_Delete)})),
+    connectTo(Add(editMenu_,
+                  MakeAction(Cmd::DeleteRows, tr("De&lete Rows"), {K(Qt::CTRL | Qt::Key_Delete)})),
               onGrid(&GridView::DeleteSelectedRows));
 
     // Roaming list
     listMenu_ = menuBar()->addMenu(tr("&Roaming List"));
-    connectTo(Add(listMenu_, MakeAction(Cmd::TypeConversion, tr("RL Type &Conversion..."))), [this] {
-        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) d->OnTypeConversion();
-    });
+    connectTo(Add(listMenu_, MakeAction(Cmd::TypeConversion, tr("RL Type &Conversion..."))),
+              [this] {
+                  if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) d->OnTypeConversion();
+              });
 
     // View
     QMenu* view = menuBar()->addMenu(tr("&View"));
@@ -297,15 +315,18 @@ void CMainFrame::BuildMenus() {
 
     // Window
     windowMenu_ = menuBar()->addMenu(tr("&Window"));
-    connectTo(Add(windowMenu_, MakeAction(Cmd::WindowCascade, tr("&Cascade"))), [this] { mdi_->cascadeSubWindows(); });
-    connectTo(Add(windowMenu_, MakeAction(Cmd::WindowTile, tr("&Tile"))), [this] { mdi_->tileSubWindows(); });
+    connectTo(Add(windowMenu_, MakeAction(Cmd::WindowCascade, tr("&Cascade"))),
+              [this] { mdi_->cascadeSubWindows(); });
+    connectTo(Add(windowMenu_, MakeAction(Cmd::WindowTile, tr("&Tile"))),
+              [this] { mdi_->tileSubWindows(); });
     connectTo(Add(windowMenu_, MakeAction(Cmd::WindowArrange, tr("&Arrange Icons"))), [this] {
         for (QMdiSubWindow* w : mdi_->subWindowList())
             if (w->isMinimized()) w->showMinimized();
     });
     connectTo(Add(windowMenu_, MakeAction(Cmd::NextPane, tr("Ne&xt Window"), {K(Qt::Key_F6)})),
               [this] { mdi_->activateNextSubWindow(); });
-    connectTo(Add(windowMenu_, MakeAction(Cmd::PrevPane, tr("Pre&vious Window"), {K(Qt::SHIFT | Qt::Key_F6)})),
+    connectTo(Add(windowMenu_,
+                  MakeAction(Cmd::PrevPane, tr("Pre&vious Window"), {K(Qt::SHIFT | Qt::Key_F6)})),
               [this] { mdi_->activatePreviousSubWindow(); });
 
     // Help
@@ -315,7 +336,8 @@ void CMainFrame::BuildMenus() {
     connectTo(Add(help, MakeAction(Cmd::VersionHistory, tr("Version History(readme.txt)"))),
               [this] { app_.OnVersionHistory(); });
     help->addSeparator();
-    connectTo(Add(help, MakeAction(Cmd::AppAbout, tr("&About Tessary..."))), [this] { app_.OnAppAbout(); });
+    connectTo(Add(help, MakeAction(Cmd::AppAbout, tr("&About Tessary..."))),
+              [this] { app_.OnAppAbout(); });
 }
 
 void CMainFrame::RebuildRecentFiles() {
@@ -330,7 +352,8 @@ void CMainFrame::RebuildRecentFiles() {
     const qsizetype at = actions.indexOf(recentSeparator_);
     if (at >= 0 && at + 1 < actions.size()) before = actions[at + 1];
     for (qsizetype i = 0; i < files.size(); ++i) {
-        auto* a = new QAction(QStringLiteral("&%1 %2").arg(i + 1).arg(QFileInfo(files[i]).fileName()), this);
+        auto* a = new QAction(
+            QStringLiteral("&%1 %2").arg(i + 1).arg(QFileInfo(files[i]).fileName()), this);
         a->setStatusTip(files[i]);
         const QString path = files[i];
         connect(a, &QAction::triggered, this, [this, path] { app_.OpenDocumentFile(path); });
@@ -385,7 +408,8 @@ void CMainFrame::UpdateCommands() {
     auto* rl = qobject_cast<CRLDoc*>(doc);
     const bool any = doc != nullptr;
     const bool grids = rl && !rl->IsTextView();
-    for (int id : {Cmd::FileClose, Cmd::FileSave, Cmd::FileSaveAs, Cmd::FilePrint, Cmd::FilePrintPreview})
+    for (int id :
+         {Cmd::FileClose, Cmd::FileSave, Cmd::FileSaveAs, Cmd::FilePrint, Cmd::FilePrintPreview})
         if (QAction* a = Action(id)) a->setVisible(any);
     if (QAction* a = Action(Cmd::TextView)) {
         a->setVisible(any);
@@ -421,7 +445,8 @@ void CMainFrame::OnPrint(bool preview) {
         return;
     }
     QPrintDialog dialog(printer_.get(), this);
-    if (Prompts().ExecDialog(dialog) == QDialog::Accepted) PrintTextPages(*printer_, title, text, now);
+    if (Prompts().ExecDialog(dialog) == QDialog::Accepted)
+        PrintTextPages(*printer_, title, text, now);
 }
 
 void CMainFrame::OnPrintSetup() {
@@ -455,7 +480,8 @@ void CMainFrame::RestoreAndShow() {
     const QSize screenSize = screen ? screen->size() : QSize(1024, 768);
     const int icon = style()->pixelMetric(QStyle::PM_LargeIconSize);
     if (auto rect = RestoredRect(p, screenSize, QSize(icon, icon))) setGeometry(*rect);
-    if (p.showCmd == kShowMaximized || (p.showCmd == kShowMinimized && (p.flags & kRestoreToMaximized)))
+    if (p.showCmd == kShowMaximized ||
+        (p.showCmd == kShowMinimized && (p.flags & kRestoreToMaximized)))
         showMaximized();
     else
         show();

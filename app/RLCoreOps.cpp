@@ -46,8 +46,9 @@ ListReadResult ReadBinaryListFile(const std::string& path) {
     }
     DetectResult detected = DetectVersion(file);
     if (!detected.manager) {
-        result.error = detected.sizeAndCrcValid ? detected.error
-                                                : std::string(MessageText(Msg::NotRecognizedFormat));
+        result.error = detected.sizeAndCrcValid
+                           ? detected.error
+                           : std::string(MessageText(Msg::NotRecognizedFormat));
         return result;
     }
     result.manager = std::move(detected.manager);
@@ -128,14 +129,16 @@ std::unique_ptr<CRLData> TakeListFromViews(int version, const CRLData& base,
     data->GetProperties().prefOnly = header.prefOnly;
     const auto& names = CRLNameTables::Instance();
     try {
-        ReadTable(acqGrid, names.AcqTypes(version), version, nullptr, data->GetAcqTable().Items(),
-                  ListProblem::Place::AcqTable,
-                  [](int code, int v) -> std::unique_ptr<CRLItem> { return CreateAcqItem(code, v); },
-                  problem);
-        ReadTable(sysGrid, names.SysTypes(version), version, &data->GetAcqTable().Items(),
-                  data->GetSysTable().Items(), ListProblem::Place::SysTable,
-                  [](int code, int v) -> std::unique_ptr<CRLItem> { return CreateSysItem(code, v); },
-                  problem);
+        ReadTable(
+            acqGrid, names.AcqTypes(version), version, nullptr, data->GetAcqTable().Items(),
+            ListProblem::Place::AcqTable,
+            [](int code, int v) -> std::unique_ptr<CRLItem> { return CreateAcqItem(code, v); },
+            problem);
+        ReadTable(
+            sysGrid, names.SysTypes(version), version, &data->GetAcqTable().Items(),
+            data->GetSysTable().Items(), ListProblem::Place::SysTable,
+            [](int code, int v) -> std::unique_ptr<CRLItem> { return CreateSysItem(code, v); },
+            problem);
     } catch (const GridError& e) {
         const bool acq = e.TableName() == acqGrid.GetTableName();
         problem = {e.MessageId(), e.Text(),
@@ -163,7 +166,9 @@ ConversionOutcome ConvertListVersion(const CRLData&, int, int) {
     throw std::runtime_error(std::string(MessageText(Msg::ErrorConverting)));
 }
 
-bool IsConcatenatedListFile(const std::string&) { return false; }
+bool IsConcatenatedListFile(const std::string&) {
+    return false;
+}
 
 void JoinListFiles(const std::string&, const std::string&, const std::string&) {
     throw std::runtime_error("Join is not available yet.");

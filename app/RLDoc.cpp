@@ -19,7 +19,9 @@ namespace {
 QString FromStd(std::string_view s) {
     return QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size()));
 }
-QString Text(unsigned id) { return FromStd(MessageText(id)); }
+QString Text(unsigned id) {
+    return FromStd(MessageText(id));
+}
 
 // GWL rows reach column 299; nothing a record writes lies beyond.
 constexpr int kGridColumns = 300;
@@ -46,7 +48,9 @@ int VersionForNewList() {
 class HeaderCommand : public QUndoCommand {
 public:
     HeaderCommand(CRLDoc& doc, HeaderTexts before, HeaderTexts after)
-        : QUndoCommand(QObject::tr("Edit Header")), doc_(doc), before_(std::move(before)),
+        : QUndoCommand(QObject::tr("Edit Header")),
+          doc_(doc),
+          before_(std::move(before)),
           after_(std::move(after)) {}
     void undo() override { doc_.ApplyHeader(before_); }
     void redo() override { doc_.ApplyHeader(after_); }
@@ -120,20 +124,23 @@ bool CRLDoc::OnOpenDocument(const QString& path) {
     }
     AttachManager(std::move(read.manager));
     const CRLData& data = manager_->GetData();
-    header_ = HeaderTexts{std::to_string(data.GetProperties().defRoamInd),
-                          std::to_string(data.GetProperties().prefListId),
-                          data.GetProperties().prefOnly};
+    header_ =
+        HeaderTexts{std::to_string(data.GetProperties().defRoamInd),
+                    std::to_string(data.GetProperties().prefListId), data.GetProperties().prefOnly};
     LoadViewsFromList();
     UndoStack().clear();
     readOnly_ = HasReadOnlyAttribute(path);
-    if (data.GetAcqTable().GetSize() == 0) Prompts().Message(parent, Text(Msg::NoAcqRecordsInFile), MsgIcon::Error);
-    if (data.GetSysTable().GetSize() == 0) Prompts().Message(parent, Text(Msg::NoSysRecordsInFile), MsgIcon::Error);
+    if (data.GetAcqTable().GetSize() == 0)
+        Prompts().Message(parent, Text(Msg::NoAcqRecordsInFile), MsgIcon::Error);
+    if (data.GetSysTable().GetSize() == 0)
+        Prompts().Message(parent, Text(Msg::NoSysRecordsInFile), MsgIcon::Error);
     return true;
 }
 
 void CRLDoc::InitTypeCell(Table table, int row) {
     const auto& names = CRLNameTables::Instance();
-    const CNameList& types = table == Table::Acq ? names.AcqTypes(version_) : names.SysTypes(version_);
+    const CNameList& types =
+        table == Table::Acq ? names.AcqTypes(version_) : names.SysTypes(version_);
     Grid(table).SetCellDropDown(0, row, types.Choices());
 }
 
@@ -146,8 +153,9 @@ void CRLDoc::LoadViewsFromList() {
         const CNameList& types;
         bool acq;
     };
-    for (const Source& s : {Source{acqGrid_, data.GetAcqTable().Items(), names.AcqTypes(version_), true},
-                            Source{sysGrid_, data.GetSysTable().Items(), names.SysTypes(version_), false}}) {
+    for (const Source& s :
+         {Source{acqGrid_, data.GetAcqTable().Items(), names.AcqTypes(version_), true},
+          Source{sysGrid_, data.GetSysTable().Items(), names.SysTypes(version_), false}}) {
         s.grid.BeginBatch();
         s.grid.SetRowCount(0);
         s.grid.ClearHeadings();
@@ -169,7 +177,8 @@ void CRLDoc::LoadViewsFromList() {
 
 void CRLDoc::ChangeRowType(Table table, int row, const std::string& typeName) {
     const auto& names = CRLNameTables::Instance();
-    const CNameList& types = table == Table::Acq ? names.AcqTypes(version_) : names.SysTypes(version_);
+    const CNameList& types =
+        table == Table::Acq ? names.AcqTypes(version_) : names.SysTypes(version_);
     GridModel& grid = Grid(table);
     int code = 0;
     if (!types.FindValue(typeName, code)) {
@@ -194,7 +203,8 @@ void CRLDoc::RefreshHeadings(Table table, int row) {
     grid.SetColumnHeading(0, table == Table::Acq ? "Acq Type" : "Sys Type");
     if (row < 0 || row >= grid.GetRowCount()) return;
     const auto& names = CRLNameTables::Instance();
-    const CNameList& types = table == Table::Acq ? names.AcqTypes(version_) : names.SysTypes(version_);
+    const CNameList& types =
+        table == Table::Acq ? names.AcqTypes(version_) : names.SysTypes(version_);
     int code = 0;
     if (!types.FindValue(grid.GetCellText(0, row), code)) return;
     std::unique_ptr<CRLItem> item;
@@ -206,7 +216,8 @@ void CRLDoc::RefreshHeadings(Table table, int row) {
     // The headings follow what the row holds (a PLMN type or a count decides the columns); a
     // row that does not read completely still titles what it could read.
     try {
-        item->ReadFromGrid(grid, row, GridContext{version_, &manager_->GetData().GetAcqTable().Items()});
+        item->ReadFromGrid(grid, row,
+                           GridContext{version_, &manager_->GetData().GetAcqTable().Items()});
     } catch (...) {
     }
     item->OnGridHeading(grid, kGridHeadingEvent);
@@ -228,18 +239,28 @@ void CRLDoc::ShowProblem(const ListProblem& problem) {
     Prompts().Message(DialogParent(), QString::fromStdString(problem.text),
                       problem.warning ? MsgIcon::Warning : MsgIcon::Error);
     switch (problem.place) {
-        case ListProblem::Place::DefaultRoamInd: emit focusHeaderField(HeaderField::DefaultRoamInd); break;
-        case ListProblem::Place::PrefListId: emit focusHeaderField(HeaderField::PrefListId); break;
-        case ListProblem::Place::AcqTable: emit focusCell(Table::Acq, problem.column, problem.row); break;
-        case ListProblem::Place::SysTable: emit focusCell(Table::Sys, problem.column, problem.row); break;
-        case ListProblem::Place::None: break;
+        case ListProblem::Place::DefaultRoamInd:
+            emit focusHeaderField(HeaderField::DefaultRoamInd);
+            break;
+        case ListProblem::Place::PrefListId:
+            emit focusHeaderField(HeaderField::PrefListId);
+            break;
+        case ListProblem::Place::AcqTable:
+            emit focusCell(Table::Acq, problem.column, problem.row);
+            break;
+        case ListProblem::Place::SysTable:
+            emit focusCell(Table::Sys, problem.column, problem.row);
+            break;
+        case ListProblem::Place::None:
+            break;
     }
 }
 
 std::unique_ptr<CRLData> CRLDoc::TakeValues() {
     emit commitViews();
     ListProblem problem;
-    auto data = TakeListFromViews(version_, manager_->GetData(), header_, acqGrid_, sysGrid_, problem);
+    auto data =
+        TakeListFromViews(version_, manager_->GetData(), header_, acqGrid_, sysGrid_, problem);
     if (!data) ShowProblem(problem);
     return data;
 }
@@ -274,10 +295,11 @@ void CRLDoc::OnTypeConversion() {
         return;
     }
     QStringList versions;
-    for (int v = kMinVersion; v <= kMaxVersion; ++v) versions << QString::fromStdString(VersionName(v));
-    const int chosen = Prompts().ChooseItem(DialogParent(), tr("RL Type Conversion"),
-                                            tr("Convert this roaming list to:"), versions,
-                                            version_ - kMinVersion);
+    for (int v = kMinVersion; v <= kMaxVersion; ++v)
+        versions << QString::fromStdString(VersionName(v));
+    const int chosen =
+        Prompts().ChooseItem(DialogParent(), tr("RL Type Conversion"),
+                             tr("Convert this roaming list to:"), versions, version_ - kMinVersion);
     if (chosen >= 0) ConvertTo(chosen + kMinVersion);
 }
 
@@ -290,14 +312,16 @@ bool CRLDoc::ConvertTo(int version) {
     if (version == version_ || version < kMinVersion || version > kMaxVersion) return false;
     std::unique_ptr<CRLData> data = TakeValues();
     if (!data) return false;
-    if (version < version_ && !Prompts().Question(parent, QString::fromUtf8(kDataLossQuestion), MsgIcon::Warning))
+    if (version < version_ &&
+        !Prompts().Question(parent, QString::fromUtf8(kDataLossQuestion), MsgIcon::Warning))
         return false;
     ConversionOutcome outcome;
     try {
         outcome = ConvertListVersion(*data, version_, version);
     } catch (const std::exception& e) {
         QString text = Text(Msg::ErrorConverting);
-        if (*e.what() && Text(Msg::ErrorConverting) != e.what()) text += "\n" + QString::fromUtf8(e.what());
+        if (*e.what() && Text(Msg::ErrorConverting) != e.what())
+            text += "\n" + QString::fromUtf8(e.what());
         Prompts().Message(parent, text, MsgIcon::Error);
         return false;
     }
@@ -314,11 +338,13 @@ bool CRLDoc::ConvertTo(int version) {
     UndoStack().clear();
     SetModifiedFlag(true);
     if (!outcome.report.empty()) {
-        QString text = tr("The list was converted from %1 to %2. What %2 cannot carry was dropped:\n")
-                           .arg(QString::fromStdString(VersionName(from)),
-                                QString::fromStdString(VersionName(version)));
+        QString text =
+            tr("The list was converted from %1 to %2. What %2 cannot carry was dropped:\n")
+                .arg(QString::fromStdString(VersionName(from)),
+                     QString::fromStdString(VersionName(version)));
         const int shown = std::min<int>(kReportLinesShown, static_cast<int>(outcome.report.size()));
-        for (int i = 0; i < shown; ++i) text += "\n" + QString::fromStdString(outcome.report[static_cast<size_t>(i)]);
+        for (int i = 0; i < shown; ++i)
+            text += "\n" + QString::fromStdString(outcome.report[static_cast<size_t>(i)]);
         if (static_cast<int>(outcome.report.size()) > shown)
             text += tr("\n... and %1 more.").arg(static_cast<int>(outcome.report.size()) - shown);
         Prompts().Message(parent, text, MsgIcon::Information);
@@ -335,7 +361,8 @@ bool CRLDoc::RenderText(QString& text) {
         }
         emit commitViews();
         ListProblem problem;
-        auto data = TakeListFromViews(version_, manager_->GetData(), header_, acqGrid_, sysGrid_, problem);
+        auto data =
+            TakeListFromViews(version_, manager_->GetData(), header_, acqGrid_, sysGrid_, problem);
         if (!data) throw std::runtime_error(problem.text);
         std::unique_ptr<CRLManager> manager = CreateClassFactory(version_)->CreateManager();
         manager->AttachData(data);
@@ -347,7 +374,9 @@ bool CRLDoc::RenderText(QString& text) {
     }
 }
 
-bool CRLDoc::GetPrintText(QString& text) { return RenderText(text); }
+bool CRLDoc::GetPrintText(QString& text) {
+    return RenderText(text);
+}
 
 std::unique_ptr<QWidget> CRLDoc::CreateMainView() {
     if (textView_) {
@@ -366,7 +395,8 @@ int CRLDoc::ConvertBinaryToText(const QString& binaryPath, const QString& textPa
     }
     std::string error;
     if (!WriteTextListFile(*read.manager, textPath.toStdString(), error)) {
-        Prompts().Message(nullptr, Text(Msg::ErrorWritingFile) + "\n" + QString::fromStdString(error),
+        Prompts().Message(nullptr,
+                          Text(Msg::ErrorWritingFile) + "\n" + QString::fromStdString(error),
                           MsgIcon::Error);
         return 1;
     }
@@ -384,7 +414,8 @@ int CRLDoc::ConvertTextToBinary(const QString& textPath, const QString& binaryPa
     }
     std::string error;
     if (!WriteBinaryListFile(*read.manager, binaryPath.toStdString(), error)) {
-        Prompts().Message(nullptr, Text(Msg::ErrorWritingFile) + "\n" + QString::fromStdString(error),
+        Prompts().Message(nullptr,
+                          Text(Msg::ErrorWritingFile) + "\n" + QString::fromStdString(error),
                           MsgIcon::Error);
         return 1;
     }

@@ -7,8 +7,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSplitter>
-#include <QValidator>
 #include <QVBoxLayout>
+#include <QValidator>
 
 #include "grid/qt/GridView.h"
 #include "roaming_list/RLManager.h"
@@ -38,7 +38,8 @@ private:
 
 // ---- CPropView ----------------------------------------------------------------------------------
 
-CPropView::CPropView(CRLDoc& doc, QWidget* parent) : QGroupBox(tr("Roaming List Settings"), parent), doc_(doc) {
+CPropView::CPropView(CRLDoc& doc, QWidget* parent)
+    : QGroupBox(tr("Roaming List Settings"), parent), doc_(doc) {
     type_ = new QLineEdit(this);
     type_->setReadOnly(true);
     type_->setFocusPolicy(Qt::NoFocus);
@@ -78,8 +79,10 @@ void CPropView::Load() {
     type_->setText(QString::fromStdString(VersionName(doc_.Version())));
     const HeaderTexts& h = doc_.Header();
     prefOnly_->setChecked(h.prefOnly);
-    if (defRoamInd_->text().toStdString() != h.defRoamInd) defRoamInd_->setText(QString::fromStdString(h.defRoamInd));
-    if (prefListId_->text().toStdString() != h.prefListId) prefListId_->setText(QString::fromStdString(h.prefListId));
+    if (defRoamInd_->text().toStdString() != h.defRoamInd)
+        defRoamInd_->setText(QString::fromStdString(h.defRoamInd));
+    if (prefListId_->text().toStdString() != h.prefListId)
+        prefListId_->setText(QString::fromStdString(h.prefListId));
     loading_ = false;
 }
 
@@ -97,7 +100,8 @@ void CPropView::Focus(CRLDoc::HeaderField field) {
 
 // ---- Record tables ------------------------------------------------------------------------------
 
-CRecordTableView::CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QString& title, QWidget* parent)
+CRecordTableView::CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QString& title,
+                                   QWidget* parent)
     : QWidget(parent), doc_(doc), table_(table), title_(title) {
     label_ = new QLabel(this);
     QFont bold = label_->font();
@@ -112,7 +116,8 @@ CRecordTableView::CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QStri
     layout->addWidget(grid_, 1);
 
     GridModel& model = doc.Grid(table);
-    connect(grid_, &GridView::currentRowChanged, this, [this](int row) { doc_.RefreshHeadings(table_, row); });
+    connect(grid_, &GridView::currentRowChanged, this,
+            [this](int row) { doc_.RefreshHeadings(table_, row); });
     connect(&model, &GridModel::rowsEdited, this, [this](int first, int last) {
         const int row = grid_->currentIndex().row();
         if (row >= first && row <= last) doc_.RefreshHeadings(table_, row);

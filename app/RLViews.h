@@ -43,7 +43,8 @@ private:
 class CRecordTableView : public QWidget {
     Q_OBJECT
 public:
-    CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QString& title, QWidget* parent = nullptr);
+    CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QString& title,
+                     QWidget* parent = nullptr);
     GridView* Grid() const { return grid_; }
 
 private:

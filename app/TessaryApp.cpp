@@ -35,44 +35,76 @@ QString FromStd(std::string_view s) {
 // Prompts of the framework's own commands, which the message table does not carry.
 QString StandardPrompt(int id) {
     switch (id) {
-        case Cmd::FileNew: return QObject::tr("Create a new roaming list\nNew");
-        case Cmd::FileOpen: return QObject::tr("Open an existing document\nOpen");
-        case Cmd::FileClose: return QObject::tr("Close the active document\nClose");
-        case Cmd::FileSave: return QObject::tr("Save the active document\nSave");
-        case Cmd::FileSaveAs: return QObject::tr("Save the active document with a new name\nSave As");
-        case Cmd::FilePrintSetup: return QObject::tr("Change the printer and printing options\nPage Setup");
-        case Cmd::FilePrint: return QObject::tr("Print the active document\nPrint");
-        case Cmd::FilePrintPreview: return QObject::tr("Display full pages\nPrint Preview");
-        case Cmd::AppExit: return QObject::tr("Quit the application; prompts to save documents\nExit");
-        case Cmd::AppAbout: return QObject::tr("Display program information, version number and copyright\nAbout");
-        case Cmd::HelpTopics: return QObject::tr("Tell where the user guide can be found\nHelp Topics");
-        case Cmd::VersionHistory: return QObject::tr("Open the version history\nVersion History");
-        case Cmd::EditCopy: return QObject::tr("Copy the selection and put it on the Clipboard\nCopy");
-        case Cmd::EditCut: return QObject::tr("Cut the selection and put it on the Clipboard\nCut");
-        case Cmd::EditPaste: return QObject::tr("Insert Clipboard contents\nPaste");
-        case Cmd::EditUndo: return QObject::tr("Undo the last action\nUndo");
-        case Cmd::EditRedo: return QObject::tr("Redo the previously undone action\nRedo");
-        case Cmd::WindowCascade: return QObject::tr("Arrange windows so they overlap\nCascade Windows");
-        case Cmd::WindowTile: return QObject::tr("Arrange windows as non-overlapping tiles\nTile Windows");
-        case Cmd::WindowArrange: return QObject::tr("Arrange icons at the bottom of the window\nArrange Icons");
-        case Cmd::TypeConversion: return QObject::tr("Convert this roaming list to another version\nRL Type Conversion");
-        case Cmd::InsertRows: return QObject::tr("Insert empty rows above the selected ones\nInsert Rows");
-        case Cmd::AppendRow: return QObject::tr("Add an empty row at the end of the table\nAdd Row");
-        case Cmd::DeleteRows: return QObject::tr("Delete the selected rows\nDelete Rows");
-        default: return {};
+        case Cmd::FileNew:
+            return QObject::tr("Create a new roaming list\nNew");
+        case Cmd::FileOpen:
+            return QObject::tr("Open an existing document\nOpen");
+        case Cmd::FileClose:
+            return QObject::tr("Close the active document\nClose");
+        case Cmd::FileSave:
+            return QObject::tr("Save the active document\nSave");
+        case Cmd::FileSaveAs:
+            return QObject::tr("Save the active document with a new name\nSave As");
+        case Cmd::FilePrintSetup:
+            return QObject::tr("Change the printer and printing options\nPage Setup");
+        case Cmd::FilePrint:
+            return QObject::tr("Print the active document\nPrint");
+        case Cmd::FilePrintPreview:
+            return QObject::tr("Display full pages\nPrint Preview");
+        case Cmd::AppExit:
+            return QObject::tr("Quit the application; prompts to save documents\nExit");
+        case Cmd::AppAbout:
+            return QObject::tr("Display program information, version number and copyright\nAbout");
+        case Cmd::HelpTopics:
+            return QObject::tr("Tell where the user guide can be found\nHelp Topics");
+        case Cmd::VersionHistory:
+            return QObject::tr("Open the version history\nVersion History");
+        case Cmd::EditCopy:
+            return QObject::tr("Copy the selection and put it on the Clipboard\nCopy");
+        case Cmd::EditCut:
+            return QObject::tr("Cut the selection and put it on the Clipboard\nCut");
+        case Cmd::EditPaste:
+            return QObject::tr("Insert Clipboard contents\nPaste");
+        case Cmd::EditUndo:
+            return QObject::tr("Undo the last action\nUndo");
+        case Cmd::EditRedo:
+            return QObject::tr("Redo the previously undone action\nRedo");
+        case Cmd::WindowCascade:
+            return QObject::tr("Arrange windows so they overlap\nCascade Windows");
+        case Cmd::WindowTile:
+            return QObject::tr("Arrange windows as non-overlapping tiles\nTile Windows");
+        case Cmd::WindowArrange:
+            return QObject::tr("Arrange icons at the bottom of the window\nArrange Icons");
+        case Cmd::TypeConversion:
+            return QObject::tr("Convert this roaming list to another version\nRL Type Conversion");
+        case Cmd::InsertRows:
+            return QObject::tr("Insert empty rows above the selected ones\nInsert Rows");
+        case Cmd::AppendRow:
+            return QObject::tr("Add an empty row at the end of the table\nAdd Row");
+        case Cmd::DeleteRows:
+            return QObject::tr("Delete the selected rows\nDelete Rows");
+        default:
+            return {};
     }
 }
 
 // What the MMSS templates say until their documents exist.
 QString KindName(int templateNumber) {
     switch (templateNumber) {
-        case 3: return QStringLiteral("MSPL");
-        case 4: return QStringLiteral("3GPP BST");
-        case 5: return QStringLiteral("MLPL");
-        case 6: return QStringLiteral("PLMN list");
-        case 7: return QStringLiteral("Technology Order");
-        case 8: return QStringLiteral("LTE Available");
-        default: return QStringLiteral("Roaming List");
+        case 3:
+            return QStringLiteral("MSPL");
+        case 4:
+            return QStringLiteral("3GPP BST");
+        case 5:
+            return QStringLiteral("MLPL");
+        case 6:
+            return QStringLiteral("PLMN list");
+        case 7:
+            return QStringLiteral("Technology Order");
+        case 8:
+            return QStringLiteral("LTE Available");
+        default:
+            return QStringLiteral("Roaming List");
     }
 }
 
@@ -85,13 +117,15 @@ const char* kHelpAddress = "https://halvane.example.com/tarn/user-guide";
 }  // namespace
 
 QString CommandPrompt(int id) {
-    if (HasMessage(static_cast<unsigned>(id))) return FromStd(MessageText(static_cast<unsigned>(id)));
+    if (HasMessage(static_cast<unsigned>(id)))
+        return FromStd(MessageText(static_cast<unsigned>(id)));
     return StandardPrompt(id);
 }
 
 void ChooseHeadlessPlatform(int argc, char** argv) {
     for (int i = 1; i < argc; ++i)
-        if (std::string_view(argv[i]) == "-platform" || std::string_view(argv[i]) == "--platform") return;
+        if (std::string_view(argv[i]) == "-platform" || std::string_view(argv[i]) == "--platform")
+            return;
     auto set = [](const char* name) {
         const char* v = std::getenv(name);
         return v && *v;
@@ -112,7 +146,9 @@ const CRLClassFactory& CurrentVersionFactory() {
     return *g_versionFactory;
 }
 
-const CRLClassFactory* CachedVersionFactory() { return g_versionFactory.get(); }
+const CRLClassFactory* CachedVersionFactory() {
+    return g_versionFactory.get();
+}
 
 // ---- Application ------------------------------------------------------------------------------
 
@@ -138,7 +174,9 @@ CTessaryApp::~CTessaryApp() {
     if (g_app == this) g_app = nullptr;
 }
 
-CTessaryApp* CTessaryApp::Instance() { return g_app; }
+CTessaryApp* CTessaryApp::Instance() {
+    return g_app;
+}
 
 void CTessaryApp::RegisterTemplates() {
     auto rl = [](bool text) {
@@ -220,7 +258,8 @@ bool CTessaryApp::InitInstance(const QStringList& arguments, bool showWindow) {
     } else if (CDocTemplate* tmpl = TemplateByExtension(first_)) {
         OpenWithTemplate(tmpl, first_);
     } else {
-        Prompts().Message(frame_.get(), FromStd(MessageText(Msg::NotRecognizedFormat)), MsgIcon::Error);
+        Prompts().Message(frame_.get(), FromStd(MessageText(Msg::NotRecognizedFormat)),
+                          MsgIcon::Error);
     }
     return true;
 }
@@ -243,7 +282,8 @@ int CTessaryApp::RunCommandLine() {
 CDocument* CTessaryApp::OpenDocumentFile(const QString& path) {
     CDocTemplate* tmpl = TemplateForOpen(path);
     if (!tmpl) {
-        Prompts().Message(frame_.get(), FromStd(MessageText(Msg::NotRecognizedFormat)), MsgIcon::Error);
+        Prompts().Message(frame_.get(), FromStd(MessageText(Msg::NotRecognizedFormat)),
+                          MsgIcon::Error);
         return nullptr;
     }
     return OpenWithTemplate(tmpl, path);
@@ -254,19 +294,22 @@ CDocument* CTessaryApp::OpenWithTemplate(CDocTemplate* tmpl, const QString& path
     if (!path.isEmpty()) {
         const QString wanted = QFileInfo(path).absoluteFilePath();
         for (const auto& doc : documents_) {
-            if (!doc->PathName().isEmpty() && QFileInfo(doc->PathName()).absoluteFilePath() == wanted &&
+            if (!doc->PathName().isEmpty() &&
+                QFileInfo(doc->PathName()).absoluteFilePath() == wanted &&
                 &doc->Template() == tmpl) {
                 const auto windows = doc->Windows();
-                if (frame_ && !windows.empty()) frame_->MdiArea()->setActiveSubWindow(windows.front());
+                if (frame_ && !windows.empty())
+                    frame_->MdiArea()->setActiveSubWindow(windows.front());
                 return doc.get();
             }
         }
     }
     std::unique_ptr<CDocument> doc = tmpl->CreateDocument();
     if (!doc) {
-        Prompts().Message(frame_.get(),
-                          tr("%1 documents are not available yet.").arg(KindName(TemplateNumber(tmpl))),
-                          MsgIcon::Information);
+        Prompts().Message(
+            frame_.get(),
+            tr("%1 documents are not available yet.").arg(KindName(TemplateNumber(tmpl))),
+            MsgIcon::Information);
         return nullptr;
     }
     if (path.isEmpty()) {
@@ -329,7 +372,9 @@ void CTessaryApp::OnNewPlmn(uint8_t kind) {
     OpenWithTemplate(Template(6), {});
 }
 
-void CTessaryApp::OnNewOfTemplate(int number) { OpenWithTemplate(Template(number), {}); }
+void CTessaryApp::OnNewOfTemplate(int number) {
+    OpenWithTemplate(Template(number), {});
+}
 
 const QString& CTessaryApp::OpenFilter() {
     static const QString filter = QStringLiteral(
@@ -393,7 +438,8 @@ void CTessaryApp::OnAppAbout() {
     bold.setBold(true);
     version->setFont(bold);
     layout->addWidget(version);
-    layout->addWidget(new QLabel(tr("Editor for roaming lists and multi-mode system selection files"), &about));
+    layout->addWidget(
+        new QLabel(tr("Editor for roaming lists and multi-mode system selection files"), &about));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, &about);
     connect(buttons, &QDialogButtonBox::accepted, &about, &QDialog::accept);
     layout->addWidget(buttons);
@@ -406,9 +452,8 @@ void CTessaryApp::OnJoinWizard() {
 }
 
 void CTessaryApp::OnSplitWizard(const QString& input) {
-    ConcatPrlSplitWizard wizard(frame_.get(), [this](const QString& path) {
-        return OpenDocumentFile(path) != nullptr;
-    });
+    ConcatPrlSplitWizard wizard(
+        frame_.get(), [this](const QString& path) { return OpenDocumentFile(path) != nullptr; });
     if (!input.isEmpty()) wizard.SetInputPath(input);
     Prompts().ExecDialog(wizard);
 }

@@ -19,9 +19,12 @@ QtPrompts& DefaultPrompts() {
 
 QMessageBox::Icon ToQt(MsgIcon icon) {
     switch (icon) {
-        case MsgIcon::Information: return QMessageBox::Information;
-        case MsgIcon::Warning: return QMessageBox::Warning;
-        case MsgIcon::Error: return QMessageBox::Critical;
+        case MsgIcon::Information:
+            return QMessageBox::Information;
+        case MsgIcon::Warning:
+            return QMessageBox::Warning;
+        case MsgIcon::Error:
+            return QMessageBox::Critical;
     }
     return QMessageBox::NoIcon;
 }
@@ -44,7 +47,9 @@ void PrepareFileDialog(QFileDialog& dialog, const FileDialogSpec& spec) {
 
 }  // namespace
 
-UiPrompts& Prompts() { return g_installed ? *g_installed : DefaultPrompts(); }
+UiPrompts& Prompts() {
+    return g_installed ? *g_installed : DefaultPrompts();
+}
 
 UiPrompts* SetPrompts(UiPrompts* prompts) {
     UiPrompts* previous = g_installed;
@@ -52,7 +57,9 @@ UiPrompts* SetPrompts(UiPrompts* prompts) {
     return previous;
 }
 
-QString MessageTitle() { return QStringLiteral("Tarn"); }
+QString MessageTitle() {
+    return QStringLiteral("Tarn");
+}
 
 QString QtFilterFromDocFilter(const QString& filter) {
     QStringList parts = filter.split('|');
@@ -79,7 +86,8 @@ void QtPrompts::Message(QWidget* parent, const QString& text, MsgIcon icon) {
 }
 
 bool QtPrompts::Question(QWidget* parent, const QString& text, MsgIcon icon) {
-    QMessageBox box(ToQt(icon), MessageTitle(), text, QMessageBox::Ok | QMessageBox::Cancel, parent);
+    QMessageBox box(ToQt(icon), MessageTitle(), text, QMessageBox::Ok | QMessageBox::Cancel,
+                    parent);
     return box.exec() == QMessageBox::Ok;
 }
 
@@ -87,9 +95,12 @@ Answer QtPrompts::AskYesNoCancel(QWidget* parent, const QString& text) {
     QMessageBox box(QMessageBox::Warning, MessageTitle(), text,
                     QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, parent);
     switch (box.exec()) {
-        case QMessageBox::Yes: return Answer::Yes;
-        case QMessageBox::No: return Answer::No;
-        default: return Answer::Cancel;
+        case QMessageBox::Yes:
+            return Answer::Yes;
+        case QMessageBox::No:
+            return Answer::No;
+        default:
+            return Answer::Cancel;
     }
 }
 
@@ -119,7 +130,9 @@ int QtPrompts::ChooseItem(QWidget* parent, const QString& title, const QString& 
     return ok ? static_cast<int>(items.indexOf(chosen)) : -1;
 }
 
-int QtPrompts::ExecDialog(QDialog& dialog) { return dialog.exec(); }
+int QtPrompts::ExecDialog(QDialog& dialog) {
+    return dialog.exec();
+}
 
 // ---- Command line -------------------------------------------------------------------------------
 
@@ -132,12 +145,20 @@ bool StderrPrompts::Question(QWidget*, const QString& text, MsgIcon) {
     return false;
 }
 
-Answer StderrPrompts::AskYesNoCancel(QWidget*, const QString&) { return Answer::No; }
-QString StderrPrompts::GetOpenFileName(QWidget*, const FileDialogSpec&) { return {}; }
-QString StderrPrompts::GetSaveFileName(QWidget*, const FileDialogSpec&) { return {}; }
+Answer StderrPrompts::AskYesNoCancel(QWidget*, const QString&) {
+    return Answer::No;
+}
+QString StderrPrompts::GetOpenFileName(QWidget*, const FileDialogSpec&) {
+    return {};
+}
+QString StderrPrompts::GetSaveFileName(QWidget*, const FileDialogSpec&) {
+    return {};
+}
 int StderrPrompts::ChooseItem(QWidget*, const QString&, const QString&, const QStringList&, int) {
     return -1;
 }
-int StderrPrompts::ExecDialog(QDialog&) { return QDialog::Rejected; }
+int StderrPrompts::ExecDialog(QDialog&) {
+    return QDialog::Rejected;
+}
 
 }  // namespace Tarn

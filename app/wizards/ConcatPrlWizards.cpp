@@ -17,7 +17,8 @@
 namespace Tarn {
 namespace {
 
-const char* kTwoDifferent = "Two different files must be specified. Please change one of the paths.";
+const char* kTwoDifferent =
+    "Two different files must be specified. Please change one of the paths.";
 
 QLabel* Text(const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -42,8 +43,8 @@ QLineEdit* AddPathRow(QGridLayout* grid, int row, const QString& label, QWidget*
     return edit;
 }
 
-std::function<QString(const QString&)> OpenBrowser(QWidget* page, const QString& title, const QString& filter,
-                                                   bool fileMustExist) {
+std::function<QString(const QString&)> OpenBrowser(QWidget* page, const QString& title,
+                                                   const QString& filter, bool fileMustExist) {
     return [=](const QString& current) {
         FileDialogSpec spec;
         spec.title = title;
@@ -55,7 +56,8 @@ std::function<QString(const QString&)> OpenBrowser(QWidget* page, const QString&
     };
 }
 
-std::function<QString(const QString&)> SaveBrowser(QWidget* page, const QString& title, const QString& filter) {
+std::function<QString(const QString&)> SaveBrowser(QWidget* page, const QString& title,
+                                                   const QString& filter) {
     return [=](const QString& current) {
         FileDialogSpec spec;
         spec.title = title;
@@ -77,7 +79,8 @@ bool Refuse(QWidget* page, const QString& message) {
 // The results page shows its work before it starts it: no way back, "Working...", then the
 // outcome, after which only Finish is left.
 void BeginWork(QWizard* wizard, QLabel* result) {
-    for (auto b : {QWizard::BackButton, QWizard::NextButton, QWizard::CancelButton, QWizard::FinishButton})
+    for (auto b :
+         {QWizard::BackButton, QWizard::NextButton, QWizard::CancelButton, QWizard::FinishButton})
         if (QAbstractButton* button = wizard->button(b)) button->setEnabled(false);
     result->setText(QObject::tr("Working..."));
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
@@ -119,7 +122,8 @@ QString CheckJoinOutputPath(const QString& output, const QString& first, const Q
     if (output.isEmpty()) return QStringLiteral("Please enter a path.");
     if (SamePath(output, first) || SamePath(output, second))
         return QStringLiteral(
-            "The output path must not be the same as either input path. Please enter a different path.");
+            "The output path must not be the same as either input path. Please enter a different "
+            "path.");
     return {};
 }
 
@@ -131,11 +135,13 @@ QString CheckSplitOutputPaths(const QString& input, const QString& first, const 
     if (first.isEmpty()) return QStringLiteral("Please enter a first path.");
     if (SamePath(first, input))
         return QStringLiteral(
-            "The output paths must not be the same as the input path. Please enter a different first path.");
+            "The output paths must not be the same as the input path. Please enter a different "
+            "first path.");
     if (second.isEmpty()) return QStringLiteral("Please enter a second path.");
     if (SamePath(second, input))
         return QStringLiteral(
-            "The output paths must not be the same as the input path. Please enter a different second path.");
+            "The output paths must not be the same as the input path. Please enter a different "
+            "second path.");
     if (SamePath(first, second)) return QString::fromUtf8(kTwoDifferent);
     return {};
 }
@@ -145,22 +151,28 @@ QString CheckSplitOutputPaths(const QString& input, const QString& first, const 
 JoinInputPage::JoinInputPage(ConcatPrlJoinWizard& wizard) : wizard_(wizard) {
     setTitle(QStringLiteral("Concatenated PRL Join Wizard - Input File Paths"));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(Text(QStringLiteral("The Concatenated PRL Join Wizard will guide you through the steps of "
-                                          "joining two separate PRL files to form one Concatenated PRL file."),
-                           this));
+    layout->addWidget(
+        Text(QStringLiteral("The Concatenated PRL Join Wizard will guide you through the steps of "
+                            "joining two separate PRL files to form one Concatenated PRL file."),
+             this));
     layout->addSpacing(8);
-    layout->addWidget(Text(QStringLiteral("First, specify the paths to the PRL files to join."), this));
+    layout->addWidget(
+        Text(QStringLiteral("First, specify the paths to the PRL files to join."), this));
     auto* grid = new QGridLayout;
     first_ = AddPathRow(grid, 0, QStringLiteral("&First path:"), this,
-                        OpenBrowser(this, QStringLiteral("Select First Input File"), WizardRoamingListFilter(), true));
+                        OpenBrowser(this, QStringLiteral("Select First Input File"),
+                                    WizardRoamingListFilter(), true));
     second_ = AddPathRow(grid, 1, QStringLiteral("&Second path:"), this,
-                         OpenBrowser(this, QStringLiteral("Select Second Input File"), WizardRoamingListFilter(), true));
+                         OpenBrowser(this, QStringLiteral("Select Second Input File"),
+                                     WizardRoamingListFilter(), true));
     layout->addLayout(grid);
     layout->addSpacing(8);
     layout->addWidget(Text(QStringLiteral("Next, specify where to save the joined file."), this));
     layout->addStretch(1);
-    connect(first_, &QLineEdit::textChanged, this, [this](const QString& t) { wizard_.firstPath = t; });
-    connect(second_, &QLineEdit::textChanged, this, [this](const QString& t) { wizard_.secondPath = t; });
+    connect(first_, &QLineEdit::textChanged, this,
+            [this](const QString& t) { wizard_.firstPath = t; });
+    connect(second_, &QLineEdit::textChanged, this,
+            [this](const QString& t) { wizard_.secondPath = t; });
 }
 
 bool JoinInputPage::validatePage() {
@@ -170,22 +182,27 @@ bool JoinInputPage::validatePage() {
 JoinOutputPage::JoinOutputPage(ConcatPrlJoinWizard& wizard) : wizard_(wizard) {
     setTitle(QStringLiteral("Concatenated PRL Join Wizard - Output File Path"));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(Text(QStringLiteral("Specify the path for the output Concatenated PRL file."), this));
+    layout->addWidget(
+        Text(QStringLiteral("Specify the path for the output Concatenated PRL file."), this));
     auto* grid = new QGridLayout;
     output_ = AddPathRow(grid, 0, QStringLiteral("&Path:"), this,
-                         SaveBrowser(this, QStringLiteral("Specify Path for Output File"), ConcatenatedListFilter()));
+                         SaveBrowser(this, QStringLiteral("Specify Path for Output File"),
+                                     ConcatenatedListFilter()));
     layout->addLayout(grid);
     layout->addSpacing(8);
-    layout->addWidget(Text(QStringLiteral("Clicking \"Next\" will perform the join and display the results."), this));
+    layout->addWidget(Text(
+        QStringLiteral("Clicking \"Next\" will perform the join and display the results."), this));
     layout->addStretch(1);
-    connect(output_, &QLineEdit::textChanged, this, [this](const QString& t) { wizard_.outputPath = t; });
+    connect(output_, &QLineEdit::textChanged, this,
+            [this](const QString& t) { wizard_.outputPath = t; });
     // Once the join has run there is nothing to go back to.
     setCommitPage(true);
     setButtonText(QWizard::CommitButton, QStringLiteral("&Next >"));
 }
 
 bool JoinOutputPage::validatePage() {
-    return Refuse(this, CheckJoinOutputPath(wizard_.outputPath, wizard_.firstPath, wizard_.secondPath));
+    return Refuse(this,
+                  CheckJoinOutputPath(wizard_.outputPath, wizard_.firstPath, wizard_.secondPath));
 }
 
 JoinResultsPage::JoinResultsPage(ConcatPrlJoinWizard& wizard) : wizard_(wizard) {
@@ -198,7 +215,9 @@ JoinResultsPage::JoinResultsPage(ConcatPrlJoinWizard& wizard) : wizard_(wizard) 
     setFinalPage(true);
 }
 
-QString JoinResultsPage::ResultText() const { return result_->text(); }
+QString JoinResultsPage::ResultText() const {
+    return result_->text();
+}
 
 void JoinResultsPage::initializePage() {
     BeginWork(&wizard_, result_);
@@ -232,46 +251,58 @@ ConcatPrlJoinWizard::ConcatPrlJoinWizard(QWidget* parent) : QWizard(parent) {
 SplitInputPage::SplitInputPage(ConcatPrlSplitWizard& wizard) : wizard_(wizard) {
     setTitle(QStringLiteral("Concatenated PRL Split Wizard - Input File Path"));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(Text(QStringLiteral("The Concatenated PRL Split Wizard will guide you through the steps of "
-                                          "splitting a Concatenated PRL file into two separate PRL files."),
-                           this));
+    layout->addWidget(
+        Text(QStringLiteral("The Concatenated PRL Split Wizard will guide you through the steps of "
+                            "splitting a Concatenated PRL file into two separate PRL files."),
+             this));
     layout->addSpacing(8);
-    layout->addWidget(Text(QStringLiteral("First, specify the path to the Concatenated PRL file to split."), this));
+    layout->addWidget(Text(
+        QStringLiteral("First, specify the path to the Concatenated PRL file to split."), this));
     auto* grid = new QGridLayout;
-    input_ = AddPathRow(grid, 0, QStringLiteral("&Path:"), this,
-                        OpenBrowser(this, QStringLiteral("Select Input File"), ConcatenatedListFilter(), false));
+    input_ = AddPathRow(
+        grid, 0, QStringLiteral("&Path:"), this,
+        OpenBrowser(this, QStringLiteral("Select Input File"), ConcatenatedListFilter(), false));
     layout->addLayout(grid);
     layout->addStretch(1);
-    connect(input_, &QLineEdit::textChanged, this, [this](const QString& t) { wizard_.inputPath = t; });
+    connect(input_, &QLineEdit::textChanged, this,
+            [this](const QString& t) { wizard_.inputPath = t; });
 }
 
 void SplitInputPage::initializePage() {
     if (input_->text() != wizard_.inputPath) input_->setText(wizard_.inputPath);
 }
 
-bool SplitInputPage::validatePage() { return Refuse(this, CheckSplitInputPath(wizard_.inputPath)); }
+bool SplitInputPage::validatePage() {
+    return Refuse(this, CheckSplitInputPath(wizard_.inputPath));
+}
 
 SplitOutputPage::SplitOutputPage(ConcatPrlSplitWizard& wizard) : wizard_(wizard) {
     setTitle(QStringLiteral("Concatenated PRL Split Wizard - Output File Paths"));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(Text(QStringLiteral("Specify the paths for each of the two output PRL files."), this));
+    layout->addWidget(
+        Text(QStringLiteral("Specify the paths for each of the two output PRL files."), this));
     auto* grid = new QGridLayout;
-    first_ = AddPathRow(grid, 0, QStringLiteral("&First path:"), this,
-                        SaveBrowser(this, QStringLiteral("Specify First Output File"), WizardRoamingListFilter()));
+    first_ = AddPathRow(
+        grid, 0, QStringLiteral("&First path:"), this,
+        SaveBrowser(this, QStringLiteral("Specify First Output File"), WizardRoamingListFilter()));
     openFirst_ = new QCheckBox(QStringLiteral("Open this file after splitting"), this);
     openFirst_->setChecked(wizard_.openFirst);
     grid->addWidget(openFirst_, 1, 1);
-    second_ = AddPathRow(grid, 2, QStringLiteral("&Second path:"), this,
-                         SaveBrowser(this, QStringLiteral("Specify Second Output File"), WizardRoamingListFilter()));
+    second_ = AddPathRow(
+        grid, 2, QStringLiteral("&Second path:"), this,
+        SaveBrowser(this, QStringLiteral("Specify Second Output File"), WizardRoamingListFilter()));
     openSecond_ = new QCheckBox(QStringLiteral("Open this file after splitting"), this);
     openSecond_->setChecked(wizard_.openSecond);
     grid->addWidget(openSecond_, 3, 1);
     layout->addLayout(grid);
     layout->addSpacing(8);
-    layout->addWidget(Text(QStringLiteral("Clicking \"Next\" will perform the split and display the results."), this));
+    layout->addWidget(Text(
+        QStringLiteral("Clicking \"Next\" will perform the split and display the results."), this));
     layout->addStretch(1);
-    connect(first_, &QLineEdit::textChanged, this, [this](const QString& t) { wizard_.firstOutputPath = t; });
-    connect(second_, &QLineEdit::textChanged, this, [this](const QString& t) { wizard_.secondOutputPath = t; });
+    connect(first_, &QLineEdit::textChanged, this,
+            [this](const QString& t) { wizard_.firstOutputPath = t; });
+    connect(second_, &QLineEdit::textChanged, this,
+            [this](const QString& t) { wizard_.secondOutputPath = t; });
     connect(openFirst_, &QCheckBox::toggled, this, [this](bool on) { wizard_.openFirst = on; });
     connect(openSecond_, &QCheckBox::toggled, this, [this](bool on) { wizard_.openSecond = on; });
     setCommitPage(true);
@@ -279,7 +310,8 @@ SplitOutputPage::SplitOutputPage(ConcatPrlSplitWizard& wizard) : wizard_(wizard)
 }
 
 bool SplitOutputPage::validatePage() {
-    return Refuse(this, CheckSplitOutputPaths(wizard_.inputPath, wizard_.firstOutputPath, wizard_.secondOutputPath));
+    return Refuse(this, CheckSplitOutputPaths(wizard_.inputPath, wizard_.firstOutputPath,
+                                              wizard_.secondOutputPath));
 }
 
 SplitResultsPage::SplitResultsPage(ConcatPrlSplitWizard& wizard) : wizard_(wizard) {
@@ -292,7 +324,9 @@ SplitResultsPage::SplitResultsPage(ConcatPrlSplitWizard& wizard) : wizard_(wizar
     setFinalPage(true);
 }
 
-QString SplitResultsPage::ResultText() const { return result_->text(); }
+QString SplitResultsPage::ResultText() const {
+    return result_->text();
+}
 
 void SplitResultsPage::initializePage() {
     BeginWork(&wizard_, result_);
@@ -303,9 +337,11 @@ void SplitResultsPage::initializePage() {
         const auto& open = wizard_.OpenDocument();
         if (open && wizard_.openFirst && open(wizard_.firstOutputPath)) ++opened;
         if (open && wizard_.openSecond && open(wizard_.secondOutputPath)) ++opened;
-        result_->setText(opened > 0
-                             ? QStringLiteral("Split was completed successfully. Split file(s) are open for editing.")
-                             : QStringLiteral("Split was completed successfully."));
+        result_->setText(
+            opened > 0
+                ? QStringLiteral(
+                      "Split was completed successfully. Split file(s) are open for editing.")
+                : QStringLiteral("Split was completed successfully."));
     } catch (const std::exception& e) {
         result_->setText(QString::fromUtf8(e.what()));
     }

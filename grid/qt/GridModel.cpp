@@ -20,7 +20,10 @@ class RowsChangeCommand : public QUndoCommand {
 public:
     RowsChangeCommand(GridModel* model, std::vector<GridRowSnapshot> before,
                       std::vector<GridRowSnapshot> after, const QString& label)
-        : QUndoCommand(label), model_(model), before_(std::move(before)), after_(std::move(after)) {}
+        : QUndoCommand(label),
+          model_(model),
+          before_(std::move(before)),
+          after_(std::move(after)) {}
     void undo() override { Apply(before_); }
     void redo() override {
         if (first_) {
@@ -118,10 +121,13 @@ void GridModel::SetRowCount(int rows) {
     }
 }
 
-std::string GridModel::GetCellText(int column, int row) const { return grid_.GetCellText(column, row); }
+std::string GridModel::GetCellText(int column, int row) const {
+    return grid_.GetCellText(column, row);
+}
 
 void GridModel::Touch(int column, int row) {
-    if (column < 0 || row < 0 || column >= grid_.GetColumnCount() || row >= grid_.GetRowCount()) return;
+    if (column < 0 || row < 0 || column >= grid_.GetColumnCount() || row >= grid_.GetRowCount())
+        return;
     if (column + 1 > usedColumns_) {
         usedColumns_ = column + 1;
         if (batch_ == 0) GrowVisibleColumns();
@@ -167,8 +173,12 @@ void GridModel::SetCellCheckBox(int column, int row) {
     CellChanged(column, row);
 }
 
-CellKind GridModel::GetCellKind(int column, int row) const { return grid_.GetCellKind(column, row); }
-std::string GridModel::GetCellMask(int column, int row) const { return grid_.GetCellMask(column, row); }
+CellKind GridModel::GetCellKind(int column, int row) const {
+    return grid_.GetCellKind(column, row);
+}
+std::string GridModel::GetCellMask(int column, int row) const {
+    return grid_.GetCellMask(column, row);
+}
 ChoiceList GridModel::GetCellChoices(int column, int row) const {
     return grid_.GetCellChoices(column, row);
 }
@@ -179,7 +189,9 @@ void GridModel::ClearRow(int row, int fromColumn) {
         emit dataChanged(index(row, std::max(fromColumn, 0)), index(row, visibleColumns_ - 1));
 }
 
-std::string GridModel::GetColumnHeading(int column) const { return grid_.GetColumnHeading(column); }
+std::string GridModel::GetColumnHeading(int column) const {
+    return grid_.GetColumnHeading(column);
+}
 
 void GridModel::SetColumnHeading(int column, const std::string& heading) {
     if (grid_.GetColumnHeading(column) == heading) return;
@@ -189,7 +201,8 @@ void GridModel::SetColumnHeading(int column, const std::string& heading) {
         usedColumns_ = column + 1;
         if (batch_ == 0) GrowVisibleColumns();
     }
-    if (batch_ == 0 && column < visibleColumns_) emit headerDataChanged(Qt::Horizontal, column, column);
+    if (batch_ == 0 && column < visibleColumns_)
+        emit headerDataChanged(Qt::Horizontal, column, column);
 }
 
 void GridModel::ClearHeadings() {
@@ -286,8 +299,9 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
     if (orientation == Qt::Vertical) return QString::number(section);
     const std::string heading = grid_.GetColumnHeading(section);
     if (role == Qt::ToolTipRole)
-        return heading.empty() ? tr("Column %1").arg(section)
-                               : tr("Column %1: %2").arg(section).arg(QString::fromStdString(heading));
+        return heading.empty()
+                   ? tr("Column %1").arg(section)
+                   : tr("Column %1: %2").arg(section).arg(QString::fromStdString(heading));
     // Messages name cells by number, so the number stays visible above the record's title.
     return heading.empty() ? QString::number(section)
                            : QString::number(section) + "\n" + QString::fromStdString(heading);
@@ -312,9 +326,15 @@ void GridModel::RestoreSnapshot(const GridRowSnapshot& s) {
     grid_.ClearRow(s.row);
     for (const auto& [c, d] : s.cells) {
         switch (d.kind) {
-            case CellKind::Edit: grid_.SetCellEdit(c, s.row, d.mask); break;
-            case CellKind::DropDown: grid_.SetCellDropDown(c, s.row, d.choices); break;
-            case CellKind::CheckBox: grid_.SetCellCheckBox(c, s.row); break;
+            case CellKind::Edit:
+                grid_.SetCellEdit(c, s.row, d.mask);
+                break;
+            case CellKind::DropDown:
+                grid_.SetCellDropDown(c, s.row, d.choices);
+                break;
+            case CellKind::CheckBox:
+                grid_.SetCellCheckBox(c, s.row);
+                break;
         }
         grid_.SetCellText(c, s.row, d.text);
         Touch(c, s.row);
@@ -379,7 +399,8 @@ void GridModel::EditCells(const std::vector<CellEdit>& edits, const QString& lab
     }
     if (wanted.empty()) return;
     // Type cells first: a new type rebuilds its row, and the other cells then land on top.
-    std::stable_partition(wanted.begin(), wanted.end(), [](const CellEdit& e) { return e.column == 0; });
+    std::stable_partition(wanted.begin(), wanted.end(),
+                          [](const CellEdit& e) { return e.column == 0; });
     std::vector<int> rows;
     for (const auto& e : wanted) rows.push_back(e.row);
     RecordRowChange(rows, label, [&] {

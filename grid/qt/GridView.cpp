@@ -63,7 +63,8 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     if (opt.text.isEmpty()) {
         opt.text = tr("(choose)");
         opt.palette.setColor(QPalette::Text, opt.palette.color(QPalette::PlaceholderText));
-        opt.palette.setColor(QPalette::HighlightedText, opt.palette.color(QPalette::PlaceholderText));
+        opt.palette.setColor(QPalette::HighlightedText,
+                             opt.palette.color(QPalette::PlaceholderText));
     }
     const QWidget* widget = option.widget;
     QStyle* style = widget ? widget->style() : QApplication::style();
@@ -72,11 +73,13 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&back, index);
     back.text.clear();
     style->drawControl(QStyle::CE_ItemViewItem, &back, painter, widget);
-    style->drawItemText(painter, opt.rect.adjusted(3, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, opt.palette,
-                        true, opt.fontMetrics.elidedText(opt.text, Qt::ElideRight, opt.rect.width() - 4),
-                        (opt.state & QStyle::State_Selected) ? QPalette::HighlightedText : QPalette::Text);
+    style->drawItemText(
+        painter, opt.rect.adjusted(3, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, opt.palette, true,
+        opt.fontMetrics.elidedText(opt.text, Qt::ElideRight, opt.rect.width() - 4),
+        (opt.state & QStyle::State_Selected) ? QPalette::HighlightedText : QPalette::Text);
     QStyleOption arrowOpt;
-    arrowOpt.rect = QRect(option.rect.right() - arrow - 3, option.rect.center().y() - arrow / 2, arrow, arrow);
+    arrowOpt.rect =
+        QRect(option.rect.right() - arrow - 3, option.rect.center().y() - arrow / 2, arrow, arrow);
     arrowOpt.palette = option.palette;
     arrowOpt.state = QStyle::State_Enabled;
     style->drawPrimitive(QStyle::PE_IndicatorArrowDown, &arrowOpt, painter, widget);
@@ -201,7 +204,9 @@ std::vector<std::vector<std::string>> GridView::ParseCells(const QString& text) 
     return rows;
 }
 
-void GridView::Paste() { PasteText(QApplication::clipboard()->text()); }
+void GridView::Paste() {
+    PasteText(QApplication::clipboard()->text());
+}
 
 void GridView::PasteText(const QString& text) {
     if (!model_) return;
@@ -210,9 +215,10 @@ void GridView::PasteText(const QString& text) {
     QModelIndex start = currentIndex();
     if (selectionModel() && !selectionModel()->selectedIndexes().isEmpty()) {
         const QModelIndexList sel = selectionModel()->selectedIndexes();
-        start = *std::min_element(sel.begin(), sel.end(), [](const QModelIndex& a, const QModelIndex& b) {
-            return std::pair(a.row(), a.column()) < std::pair(b.row(), b.column());
-        });
+        start = *std::min_element(
+            sel.begin(), sel.end(), [](const QModelIndex& a, const QModelIndex& b) {
+                return std::pair(a.row(), a.column()) < std::pair(b.row(), b.column());
+            });
     }
     const int row0 = start.isValid() ? start.row() : model_->GetRowCount();
     const int col0 = start.isValid() ? start.column() : 0;
@@ -225,7 +231,8 @@ void GridView::PasteText(const QString& text) {
     } else {
         for (size_t r = 0; r < cells.size(); ++r)
             for (size_t c = 0; c < cells[r].size(); ++c)
-                edits.push_back({col0 + static_cast<int>(c), row0 + static_cast<int>(r), cells[r][c]});
+                edits.push_back(
+                    {col0 + static_cast<int>(c), row0 + static_cast<int>(r), cells[r][c]});
     }
     const int needed = row0 + static_cast<int>(cells.size()) - model_->GetRowCount();
     QUndoStack* stack = model_->UndoStack();
@@ -290,7 +297,8 @@ void GridView::keyPressEvent(QKeyEvent* event) {
 
 void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTableView::currentChanged(current, previous);
-    if (current.row() != previous.row()) emit currentRowChanged(current.isValid() ? current.row() : -1);
+    if (current.row() != previous.row())
+        emit currentRowChanged(current.isValid() ? current.row() : -1);
 }
 
 }  // namespace Tarn

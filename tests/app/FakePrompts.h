@@ -22,7 +22,9 @@ public:
     FakePrompts() { previous_ = SetPrompts(this); }
     ~FakePrompts() override { SetPrompts(previous_); }
 
-    void Message(QWidget*, const QString& text, MsgIcon icon) override { messages.push_back({text, icon}); }
+    void Message(QWidget*, const QString& text, MsgIcon icon) override {
+        messages.push_back({text, icon});
+    }
     bool Question(QWidget*, const QString& text, MsgIcon icon) override {
         questions.push_back({text, icon});
         if (answers.empty()) return defaultAnswer;
@@ -42,12 +44,14 @@ public:
         saveDialogs.push_back(spec);
         return Next(fileAnswers);
     }
-    int ChooseItem(QWidget*, const QString&, const QString&, const QStringList& items, int) override {
+    int ChooseItem(QWidget*, const QString&, const QString&, const QStringList& items,
+                   int) override {
         choices.push_back(items);
         return chooseAnswer;
     }
     int ExecDialog(QDialog& dialog) override {
-        dialogs.push_back(dialog.objectName().isEmpty() ? dialog.windowTitle() : dialog.objectName());
+        dialogs.push_back(dialog.objectName().isEmpty() ? dialog.windowTitle()
+                                                        : dialog.objectName());
         return onDialog ? onDialog(dialog) : QDialog::Rejected;
     }
 

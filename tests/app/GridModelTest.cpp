@@ -59,7 +59,8 @@ TEST(GridModel, TypeCellGoesThroughTheHandlerAndUndoesAsOneStep) {
     EXPECT_EQ(f.model.GetCellKind(3, 0), CellKind::CheckBox);
     EXPECT_EQ(f.model.data(f.model.index(0, 3), Qt::CheckStateRole).toInt(), Qt::Checked);
     EXPECT_EQ(f.model.data(f.model.index(0, 4), kCellMaskRole).toString(), "9999");
-    EXPECT_EQ(f.model.flags(f.model.index(0, 3)) & Qt::ItemIsUserCheckable, Qt::ItemIsUserCheckable);
+    EXPECT_EQ(f.model.flags(f.model.index(0, 3)) & Qt::ItemIsUserCheckable,
+              Qt::ItemIsUserCheckable);
 
     f.model.setData(f.model.index(0, 3), Qt::Unchecked, Qt::CheckStateRole);
     EXPECT_EQ(f.At(3, 0), "0");
@@ -75,7 +76,8 @@ TEST(GridModel, TypeCellGoesThroughTheHandlerAndUndoesAsOneStep) {
 
 TEST(GridModel, RowsInsertAndRemoveWithTheirContents) {
     GridFixture f;
-    f.model.SetRowInitializer([](GridModel& g, int row) { g.SetCellDropDown(0, row, MakeChoices({"T"})); });
+    f.model.SetRowInitializer(
+        [](GridModel& g, int row) { g.SetCellDropDown(0, row, MakeChoices({"T"})); });
     for (int r = 0; r < 3; ++r) f.model.SetCellText(1, r, "r" + std::to_string(r));
     f.model.InsertRows(1, 2, "Insert");
     ASSERT_EQ(f.model.rowCount(), 5);
@@ -127,7 +129,8 @@ TEST(GridModel, FullSizeTableWithWideRowsIsSparse) {
 }
 
 TEST(GridView, ClipboardTextRoundTripsAndPasteAddsRows) {
-    EXPECT_EQ(GridView::ParseCells("a\tb\r\nc\t\n"), (std::vector<std::vector<std::string>>{{"a", "b"}, {"c", ""}}));
+    EXPECT_EQ(GridView::ParseCells("a\tb\r\nc\t\n"),
+              (std::vector<std::vector<std::string>>{{"a", "b"}, {"c", ""}}));
     EXPECT_TRUE(GridView::ParseCells("").empty());
 
     QUndoStack stack;
@@ -139,7 +142,8 @@ TEST(GridView, ClipboardTextRoundTripsAndPasteAddsRows) {
     model.SetCellText(1, 0, "x");
     model.SetCellText(2, 0, "y");
     model.SetCellText(1, 1, "z");
-    view.selectionModel()->select(QItemSelection(model.index(0, 1), model.index(1, 2)), QItemSelectionModel::Select);
+    view.selectionModel()->select(QItemSelection(model.index(0, 1), model.index(1, 2)),
+                                  QItemSelectionModel::Select);
     EXPECT_EQ(view.SelectionText(), "x\ty\nz\t\n");
 
     view.setCurrentIndex(model.index(1, 3));
@@ -154,7 +158,8 @@ TEST(GridView, ClipboardTextRoundTripsAndPasteAddsRows) {
 
     // One value over a selection fills it; Cut leaves the type column alone.
     view.selectionModel()->clearSelection();
-    view.selectionModel()->select(QItemSelection(model.index(0, 0), model.index(1, 1)), QItemSelectionModel::Select);
+    view.selectionModel()->select(QItemSelection(model.index(0, 0), model.index(1, 1)),
+                                  QItemSelectionModel::Select);
     view.PasteText("v");
     EXPECT_EQ(model.GetCellText(1, 1), "v");
     view.Cut();

@@ -19,14 +19,17 @@ namespace {
 
 using AppTest::AppFixture;
 
-QString Msg(unsigned id) { return QString::fromUtf8(MessageText(id).data()); }
+QString Msg(unsigned id) {
+    return QString::fromUtf8(MessageText(id).data());
+}
 
 CRLDoc* Open(AppFixture& f, const QString& path) {
     return qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(path));
 }
 
 CRLView* ViewOf(CRLDoc& doc) {
-    return doc.Windows().empty() ? nullptr : qobject_cast<CRLView*>(doc.Windows().front()->widget());
+    return doc.Windows().empty() ? nullptr
+                                 : qobject_cast<CRLView*>(doc.Windows().front()->widget());
 }
 
 TEST(RLDocOpen, EmptyTablesAreReportedAndTheListStillOpens) {
@@ -79,7 +82,8 @@ TEST(RLDocSave, HeaderFieldsAreCheckedFirstAndGetTheCursorBack) {
     view->PropView()->DefaultRoamIndEdit()->setText("");
     f.prompts.Clear();
     EXPECT_FALSE(doc->DoSave(f.Path("out.prl")));
-    EXPECT_EQ(f.prompts.MessageTexts(), QStringList{"The default roaming indicator value is out of range (0-255)."});
+    EXPECT_EQ(f.prompts.MessageTexts(),
+              QStringList{"The default roaming indicator value is out of range (0-255)."});
     EXPECT_EQ(f.prompts.messages[0].icon, MsgIcon::Error);
     EXPECT_EQ(QApplication::focusWidget(), view->PropView()->DefaultRoamIndEdit());
 
@@ -87,7 +91,8 @@ TEST(RLDocSave, HeaderFieldsAreCheckedFirstAndGetTheCursorBack) {
     view->PropView()->PrefListIdEdit()->setText("");
     f.prompts.Clear();
     EXPECT_FALSE(doc->DoSave(f.Path("out.prl")));
-    EXPECT_EQ(f.prompts.MessageTexts(), QStringList{"The Preferred List ID value is out of range (0-65535)."});
+    EXPECT_EQ(f.prompts.MessageTexts(),
+              QStringList{"The Preferred List ID value is out of range (0-65535)."});
     EXPECT_EQ(QApplication::focusWidget(), view->PropView()->PrefListIdEdit());
     EXPECT_FALSE(QFile::exists(f.Path("out.prl")));
 

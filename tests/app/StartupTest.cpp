@@ -50,7 +50,8 @@ TEST(CommandLine, ParsesFlagsArgumentsAndFileName) {
             EXPECT_FALSE(req.error.empty());
             continue;
         }
-        EXPECT_EQ(req.mode, c.option.empty() ? StartupRequest::Mode::Interactive : StartupRequest::Mode::CommandLine);
+        EXPECT_EQ(req.mode, c.option.empty() ? StartupRequest::Mode::Interactive
+                                             : StartupRequest::Mode::CommandLine);
         EXPECT_EQ(req.option, c.option);
         EXPECT_EQ(req.first, c.first);
         EXPECT_EQ(req.second, c.second);
@@ -107,7 +108,9 @@ TEST(CommandLineProgram, FailsWithoutAWindowOnBadCommandLines) {
     const Case cases[] = {
         {{"-f", "single.prl"}, 2, "two file arguments"},
         {{"-f", bad, out}, 1, "The Roaming List file is not a recognized format."},
-        {{"-f", dir.filePath("missing.prl"), out}, 1, "The Roaming List file is not a recognized format."},
+        {{"-f", dir.filePath("missing.prl"), out},
+         1,
+         "The Roaming List file is not a recognized format."},
         {{"-c", dir.filePath("a.mspl"), out}, 1, "not supported"},
     };
     for (const Case& c : cases) {
@@ -201,8 +204,10 @@ TEST(Templates, FileOpenUsesItsFilterAndFindsNoTemplateForHin) {
     EXPECT_EQ(f.prompts.openDialogs[0].defaultSuffix, "prl");
     EXPECT_TRUE(f.prompts.openDialogs[0].fileMustExist);
     EXPECT_EQ(f.app->Documents().size(), before);
-    EXPECT_EQ(f.prompts.MessageTexts(), QStringList{"The Roaming List file is not a recognized format."});
-    EXPECT_TRUE(CTessaryApp::OpenFilter().startsWith("Roaming Lists (*.prl,*.rl*,*.bin,*.hin,*.hrl)|"));
+    EXPECT_EQ(f.prompts.MessageTexts(),
+              QStringList{"The Roaming List file is not a recognized format."});
+    EXPECT_TRUE(
+        CTessaryApp::OpenFilter().startsWith("Roaming Lists (*.prl,*.rl*,*.bin,*.hin,*.hrl)|"));
     EXPECT_TRUE(CTessaryApp::OpenFilter().endsWith("|All Files (*.*)|*.*||"));
 }
 

@@ -40,7 +40,8 @@ inline std::vector<uint8_t> ListBytes(int version, const CRLData& data) {
 }
 
 // A list with no records: enough for everything that does not look at records.
-inline std::vector<uint8_t> EmptyListBytes(int version, uint16_t prefListId = 7, uint8_t defRoamInd = 1) {
+inline std::vector<uint8_t> EmptyListBytes(int version, uint16_t prefListId = 7,
+                                           uint8_t defRoamInd = 1) {
     CRLData data;
     data.GetProperties().prefListId = prefListId;
     data.GetProperties().defRoamInd = defRoamInd;

@@ -31,10 +31,12 @@ TEST(WizardChecks, JoinPagesInOrder) {
         // Two spellings of one file are one file.
         {"a.prl", "./sub/../a.prl", "o.prl", kTwo, ""},
         {"a.prl", "A.prl", "", "", kPath},
-        {"a.prl", "b.prl", "b.prl",
-         "", "The output path must not be the same as either input path. Please enter a different path."},
-        {"a.prl", "b.prl", "a.prl",
-         "", "The output path must not be the same as either input path. Please enter a different path."},
+        {"a.prl", "b.prl", "b.prl", "",
+         "The output path must not be the same as either input path. Please enter a different "
+         "path."},
+        {"a.prl", "b.prl", "a.prl", "",
+         "The output path must not be the same as either input path. Please enter a different "
+         "path."},
         {"a.prl", "b.prl", "o.prl", "", ""},
     };
     for (const Case& c : cases) {
@@ -54,13 +56,18 @@ TEST(WizardChecks, SplitPagesInOrder) {
     };
     const Case cases[] = {
         {"", "", kFirst},
-        {"in.prl", "", "The output paths must not be the same as the input path. Please enter a different first path."},
+        {"in.prl", "",
+         "The output paths must not be the same as the input path. Please enter a different first "
+         "path."},
         {"a.prl", "", kSecond},
-        {"a.prl", "in.prl", "The output paths must not be the same as the input path. Please enter a different second path."},
+        {"a.prl", "in.prl",
+         "The output paths must not be the same as the input path. Please enter a different second "
+         "path."},
         {"a.prl", "a.prl", kTwo},
         {"a.prl", "b.prl", ""},
     };
-    for (const Case& c : cases) EXPECT_EQ(CheckSplitOutputPaths("in.prl", c.first, c.second), c.message);
+    for (const Case& c : cases)
+        EXPECT_EQ(CheckSplitOutputPaths("in.prl", c.first, c.second), c.message);
 }
 
 TEST(Wizards, NextStaysOnTheRefusedPageAndSaysWhy) {
@@ -96,8 +103,10 @@ TEST(Wizards, BrowseButtonsAskWithTheirTitlesAndFilters) {
     ConcatPrlJoinWizard join;
     ConcatPrlSplitWizard split;
     std::vector<std::pair<QWizardPage*, int>> buttons;
-    for (QWizardPage* page : {static_cast<QWizardPage*>(join.InputPage()), static_cast<QWizardPage*>(join.OutputPage()),
-                              static_cast<QWizardPage*>(split.InputPage()), static_cast<QWizardPage*>(split.OutputPage())})
+    for (QWizardPage* page :
+         {static_cast<QWizardPage*>(join.InputPage()), static_cast<QWizardPage*>(join.OutputPage()),
+          static_cast<QWizardPage*>(split.InputPage()),
+          static_cast<QWizardPage*>(split.OutputPage())})
         for (QPushButton* b : page->findChildren<QPushButton*>()) b->click();
     ASSERT_EQ(prompts.openDialogs.size(), 3u);
     ASSERT_EQ(prompts.saveDialogs.size(), 3u);
@@ -105,7 +114,8 @@ TEST(Wizards, BrowseButtonsAskWithTheirTitlesAndFilters) {
     EXPECT_EQ(prompts.openDialogs[1].title, "Select Second Input File");
     EXPECT_TRUE(prompts.openDialogs[1].fileMustExist);
     EXPECT_EQ(prompts.openDialogs[2].title, "Select Input File");
-    EXPECT_EQ(prompts.openDialogs[2].filter, "Concatenated Roaming Lists (*.prl)|*.prl|All Files (*.*)|*.*||");
+    EXPECT_EQ(prompts.openDialogs[2].filter,
+              "Concatenated Roaming Lists (*.prl)|*.prl|All Files (*.*)|*.*||");
     EXPECT_FALSE(prompts.openDialogs[2].fileMustExist);
     EXPECT_EQ(prompts.saveDialogs[0].title, "Specify Path for Output File");
     EXPECT_EQ(prompts.saveDialogs[0].filter, ConcatenatedListFilter());
@@ -119,9 +129,11 @@ TEST(Wizards, BrowseButtonsAskWithTheirTitlesAndFilters) {
 }
 
 TEST(Wizards, QtFilterFromDocumentFilter) {
-    EXPECT_EQ(QtFilterFromDocFilter("Concatenated Roaming Lists (*.prl)|*.prl|All Files (*.*)|*.*||"),
-              "Concatenated Roaming Lists (*.prl);;All Files (*)");
-    EXPECT_EQ(QtFilterFromDocFilter("Plmn Files (*.ehplmn, *.oplmn, *.uplmn)|*.ehplmn; *.oplmn; *.uplmn||"),
+    EXPECT_EQ(
+        QtFilterFromDocFilter("Concatenated Roaming Lists (*.prl)|*.prl|All Files (*.*)|*.*||"),
+        "Concatenated Roaming Lists (*.prl);;All Files (*)");
+    EXPECT_EQ(QtFilterFromDocFilter(
+                  "Plmn Files (*.ehplmn, *.oplmn, *.uplmn)|*.ehplmn; *.oplmn; *.uplmn||"),
               "Plmn Files (*.ehplmn *.oplmn *.uplmn)");
 }
 
