@@ -12,6 +12,18 @@
 #include "roaming_list/NameTables.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/SysItem.h"
+#if __has_include("roaming_list/RLManagerText.h")
+#include "roaming_list/RLManagerText.h"
+#endif
+#if __has_include("roaming_list/Validation.h")
+#include "roaming_list/Validation.h"
+#endif
+#if __has_include("roaming_list/Conversion.h")
+#include "roaming_list/Conversion.h"
+#endif
+#if __has_include("roaming_list/ConcatPrl.h")
+#include "roaming_list/ConcatPrl.h"
+#endif
 
 namespace Tarn {
 
@@ -29,10 +41,29 @@ ListReadResult ReadListFile(const std::string& path) {
     return IsTextPath(path) ? ReadTextListFile(path) : ReadBinaryListFile(path);
 }
 
-ListReadResult ReadTextListFile(const std::string&) {
+ListReadResult ReadTextListFile(const std::string& path) {
     ListReadResult result;
     result.fromText = true;
+#if __has_include("roaming_list/RLManagerText.h")
+    std::vector<uint8_t> bytes;
+    std::string error;
+    if (!ReadWholeFile(path, bytes, error)) {
+        result.error = MessageText(Msg::NotRecognizedFormat);
+        return result;
+    }
+    TextDetectResult detected = DetectTextVersion(std::string(bytes.begin(), bytes.end()));
+    if (!detected.data) {
+        result.error = detected.error.empty() ? std::string(MessageText(Msg::NotRecognizedFormat))
+                                              : detected.error;
+        return result;
+    }
+    // The document keeps a binary manager: a text list saved under another name is a binary file.
+    result.manager = CreateClassFactory(detected.version)->CreateManager();
+    result.manager->AttachData(detected.data);
+#else
+    (void)path;
     result.error = "Text roaming lists cannot be read yet.";
+#endif
     return result;
 }
 
@@ -80,9 +111,46 @@ bool WriteBinaryListFile(CRLManager& manager, const std::string& path, std::stri
     return file.Save(path, error);
 }
 
-std::string RenderListText(const CRLManager&) {
+std::string RenderListText(const CRLManager& manager) {
+#if __has_include("roaming_list/RLManagerText.h")
+    return RenderRoamingListText(manager.GetData(), manager.GetVersion());
+#else
+    (void)manager;
     throw std::runtime_error(std::string(MessageText(Msg::CannotRenderText)));
+#endif
 }
+
+#if __has_include("roaming_list/Validation.h")
+
+std::unique_ptr<CRLData> TakeListFromViews(int version, const CRLData& base,
+                                           const HeaderTexts& header, const Grid& acqGrid,
+                                           const Grid& sysGrid, ListProblem& problem) {
+    problem = {};
+    auto data = std::make_unique<CRLData>(base);
+    const ValidationResult result = TakeListFromEditor(header.defRoamInd, header.prefListId, acqGrid,
+                                                       sysGrid, version, *data);
+    if (result.Ok()) {
+        data->GetProperties().prefOnly = header.prefOnly;
+        return data;
+    }
+    const ValidationIssue& issue = result.issues.front();
+    problem.messageId = issue.messageId;
+    problem.text = issue.text;
+    problem.row = issue.row;
+    problem.column = issue.column;
+    if (issue.messageId == Msg::DefaultRoamIndRange)
+        problem.place = ListProblem::Place::DefaultRoamInd;
+    else if (issue.messageId == Msg::PrefListIdRange)
+        problem.place = ListProblem::Place::PrefListId;
+    else if (!issue.table.empty() && issue.table == acqGrid.GetTableName())
+        problem.place = ListProblem::Place::AcqTable;
+    else if (!issue.table.empty() && issue.table == sysGrid.GetTableName())
+        problem.place = ListProblem::Place::SysTable;
+    problem.warning = issue.messageId == Msg::NeedOneAcqRecord || issue.messageId == Msg::NeedOneSysRecord;
+    return nullptr;
+}
+
+#else
 
 namespace {
 
@@ -161,6 +229,8 @@ std::unique_ptr<CRLData> TakeListFromViews(int version, const CRLData& base,
     }
     return data;
 }
+
+#endif
 
 ConversionOutcome ConvertListVersion(const CRLData&, int, int) {
     throw std::runtime_error(std::string(MessageText(Msg::ErrorConverting)));
