@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QLabel>
+#include <QPrinter>
 #include <QProcess>
 #include <QSettings>
 
@@ -364,6 +365,23 @@ TEST(WindowPlacement, StoredUnderTheCompanyKey) {
     const WindowPlacement back = LoadWindowPlacement();
     EXPECT_EQ(back.y2, 620);
     EXPECT_EQ(back.flags, 0);
+}
+
+TEST(Printing, LongTextsRunOverSeveralPages) {
+    QTemporaryDir dir;
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(dir.filePath("out.pdf"));
+    QString text;
+    for (int i = 0; i < 300; ++i) text += QString("\t%1\t5\tA\t\r\n").arg(i);
+    PrintTextPages(printer, "list.prl", text, QDateTime(QDate(2024, 1, 2), QTime(3, 4)));
+    const QByteArray pdf = [&] {
+        QFile f(dir.filePath("out.pdf"));
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }();
+    EXPECT_GE(pdf.count("/Type /Page\n") + pdf.count("/Type /Page\r") + pdf.count("/Type /Page "), 2)
+        << "300 lines fit no single page";
 }
 
 TEST(Printing, HeaderDateAndTime) {
