@@ -9,9 +9,13 @@
 namespace Tarn {
 namespace {
 
-bool LongFraming(const CRLFile& file) { return file.GetVersion() >= 3; }
+bool LongFraming(const CRLFile& file) {
+    return file.GetVersion() >= 3;
+}
 
-uint32_t FillToOctet(uint32_t bits) { return (8 - bits % 8) % 8; }
+uint32_t FillToOctet(uint32_t bits) {
+    return (8 - bits % 8) % 8;
+}
 
 [[noreturn]] void NoShortForm(uint8_t type) {
     throw CDataException(DataError::InvalidAcqType,

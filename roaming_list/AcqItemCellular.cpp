@@ -16,13 +16,17 @@ using namespace AcqDetail;
 
 namespace {
 
-const CRLNameTables& Names() { return CRLNameTables::Instance(); }
+const CRLNameTables& Names() {
+    return CRLNameTables::Instance();
+}
 
 }  // namespace
 
 // ---- analog and preferred
 
-bool CAcqItemCellularAnalog::IsValid() const { return Fits(system_, systemWidth_); }
+bool CAcqItemCellularAnalog::IsValid() const {
+    return Fits(system_, systemWidth_);
+}
 
 uint32_t CAcqItemCellularAnalog::ReadFields(CRLFile& file, int) {
     system_ = static_cast<uint8_t>(file.ReadBits(systemWidth_));
@@ -107,8 +111,7 @@ void CAcqItemCellularCdmaStandard::ReadFromGrid(const Grid& grid, int row, const
 }
 
 bool CAcqItemCellularCdmaStandard::OnGridHeading(Grid& grid, int event) const {
-    if (event == kGridHeadingEvent)
-        SetHeadings(grid, {"System", "Channel"}, grid.GetColumnCount());
+    if (event == kGridHeadingEvent) SetHeadings(grid, {"System", "Channel"}, grid.GetColumnCount());
     return true;
 }
 
@@ -156,7 +159,9 @@ std::pair<long long, long long> CAcqItemCellularCdmaCustom::GridChannelRange() c
     return {0, FieldMax(layout_.channelWidth)};
 }
 
-bool CAcqItemJtacsCdmaCustom::ChannelAllowed(uint32_t) const { return true; }
+bool CAcqItemJtacsCdmaCustom::ChannelAllowed(uint32_t) const {
+    return true;
+}
 
 bool CAcqItemCellularCdmaCustom::IsValid() const {
     if (channels_.empty() || channels_.size() > MaxChannels()) return false;
@@ -177,8 +182,8 @@ uint32_t CAcqItemCellularCdmaCustom::ReadFields(CRLFile& file, int) {
 }
 
 uint32_t CAcqItemCellularCdmaCustom::WriteFields(CRLFile& file) const {
-    uint32_t bits =
-        Put(file, layout_.countWidth, static_cast<uint32_t>(channels_.size()), "number of channels");
+    uint32_t bits = Put(file, layout_.countWidth, static_cast<uint32_t>(channels_.size()),
+                        "number of channels");
     for (uint16_t c : channels_) bits += Put(file, layout_.channelWidth, c, "channel");
     return bits;
 }

@@ -11,11 +11,15 @@ namespace {
 bool Offered(int code, int version) {
     if (code == kAcqTypeSpecial) return version >= 3;
     switch (version) {
-        case 1: return code >= 1 && code <= 6;
-        case 2: return code >= 1 && code <= 9;
+        case 1:
+            return code >= 1 && code <= 6;
+        case 2:
+            return code >= 1 && code <= 9;
         case 3:
-        case 4: return (code >= 1 && code <= 13) || code == 16;
-        default: return code >= 1 && code <= 16;
+        case 4:
+            return (code >= 1 && code <= 13) || code == 16;
+        default:
+            return code >= 1 && code <= 16;
     }
 }
 
@@ -35,33 +39,43 @@ std::unique_ptr<CAcqItem> CreateAcqItem(int code, int version) {
         case 1:
         case 4: {
             std::unique_ptr<CAcqItemCellularAnalog> item;
-            if (code == 1) item = std::make_unique<CAcqItemCellularAnalog>();
-            else item = std::make_unique<CAcqItemCellularGeneric>();
+            if (code == 1)
+                item = std::make_unique<CAcqItemCellularAnalog>();
+            else
+                item = std::make_unique<CAcqItemCellularGeneric>();
             item->SetSystemWidth(2);
             return item;
         }
         case 2:
         case 7: {
             std::unique_ptr<CAcqItemCellularCdmaStandard> item;
-            if (code == 2) item = std::make_unique<CAcqItemCellularCdmaStandard>();
-            else item = std::make_unique<CAcqItemJtacsCdmaStandard>();
+            if (code == 2)
+                item = std::make_unique<CAcqItemCellularCdmaStandard>();
+            else
+                item = std::make_unique<CAcqItemJtacsCdmaStandard>();
             item->SetWidths(2, 2);
             return item;
         }
-        case 3: return ChannelList<CAcqItemCellularCdmaCustom>();
+        case 3:
+            return ChannelList<CAcqItemCellularCdmaCustom>();
         case 5: {
             auto item = std::make_unique<CAcqItemPcsCdmaBlocks>();
             item->SetLayout(BlockListLayout{3, 3, 6});
             return item;
         }
-        case 6: return ChannelList<CAcqItemPcsCdmaChannels>();
-        case 8: return ChannelList<CAcqItemJtacsCdmaCustom>();
-        case 9: return ChannelList<CAcqItem2GHzBand>();
+        case 6:
+            return ChannelList<CAcqItemPcsCdmaChannels>();
+        case 8:
+            return ChannelList<CAcqItemJtacsCdmaCustom>();
+        case 9:
+            return ChannelList<CAcqItem2GHzBand>();
         case 10:
         case 11: {
             std::unique_ptr<CAcqItemGenericCdma> item;
-            if (code == 10) item = std::make_unique<CAcqItemGenericCdma>();
-            else item = std::make_unique<CAcqItemGenericHdr>();
+            if (code == 10)
+                item = std::make_unique<CAcqItemGenericCdma>();
+            else
+                item = std::make_unique<CAcqItemGenericHdr>();
             item->SetLayout(BandChannelLayout{5, 11, 128});
             return item;
         }
@@ -95,7 +109,8 @@ std::unique_ptr<CAcqItem> CreateAcqItem(int code, int version) {
             item->SetLengthWidth(8);
             return item;
         }
-        default: return nullptr;
+        default:
+            return nullptr;
     }
 }
 

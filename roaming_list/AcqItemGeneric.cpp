@@ -15,9 +15,13 @@ using namespace AcqDetail;
 
 namespace {
 
-const CRLNameTables& Names() { return CRLNameTables::Instance(); }
+const CRLNameTables& Names() {
+    return CRLNameTables::Instance();
+}
 
-int Col(size_t index) { return static_cast<int>(index); }
+int Col(size_t index) {
+    return static_cast<int>(index);
+}
 
 // A list that the grid offers more entries of than its count field can hold stops at the field.
 void RefuseExcess(size_t count, size_t most, int firstExcessColumn, int row) {
@@ -30,15 +34,27 @@ void RefuseExcess(size_t count, size_t most, int firstExcessColumn, int row) {
 
 // ---- CDMA and HDR generic
 
-const CNameList& CAcqItemGenericCdma::GetBandList() const { return Names().CdmaBand(); }
-const CNameList& CAcqItemGenericHdr::GetBandList() const { return Names().HdrBand(); }
-ChoiceList CAcqItemGenericCdma::GetBandChoices() const { return GetBandList().Choices(); }
-std::string CAcqItemGenericCdma::GetBandName(int v) const { return GetBandList().GetName(v); }
+const CNameList& CAcqItemGenericCdma::GetBandList() const {
+    return Names().CdmaBand();
+}
+const CNameList& CAcqItemGenericHdr::GetBandList() const {
+    return Names().HdrBand();
+}
+ChoiceList CAcqItemGenericCdma::GetBandChoices() const {
+    return GetBandList().Choices();
+}
+std::string CAcqItemGenericCdma::GetBandName(int v) const {
+    return GetBandList().GetName(v);
+}
 int CAcqItemGenericCdma::GetBandValue(const std::string& n) const {
     return GetBandList().GetValue(n);
 }
-DataError CAcqItemGenericCdma::PairError() const { return DataError::InvalidCdmaChannelPairs; }
-DataError CAcqItemGenericHdr::PairError() const { return DataError::InvalidHdrChannelPairs; }
+DataError CAcqItemGenericCdma::PairError() const {
+    return DataError::InvalidCdmaChannelPairs;
+}
+DataError CAcqItemGenericHdr::PairError() const {
+    return DataError::InvalidHdrChannelPairs;
+}
 
 size_t CAcqItemGenericCdma::MaxPairs() const {
     return std::min<size_t>(layout_.largest, 255u * 8u / PairBits());
@@ -52,7 +68,8 @@ bool CAcqItemGenericCdma::IsValid() const {
 }
 
 uint32_t CAcqItemGenericCdma::ReadFields(CRLFile& file, int octetLength) {
-    const uint32_t count = octetLength > 0 ? static_cast<uint32_t>(octetLength) * 8 / PairBits() : 0;
+    const uint32_t count =
+        octetLength > 0 ? static_cast<uint32_t>(octetLength) * 8 / PairBits() : 0;
     std::vector<BandChannel> pairs;
     pairs.reserve(count);
     for (uint32_t i = 0; i < count; ++i) {
@@ -102,11 +119,20 @@ void CAcqItemGenericCdma::ReadFromGrid(const Grid& grid, int row, const GridCont
         long long low = 0;
         long long high = channelMax;
         switch (p.bandClass) {
-            case 3: low = 1, high = 1600; break;
-            case 17: low = 140, high = 1459; break;
-            case 18: high = 240; break;
-            case 19: high = 360; break;
-            default: break;
+            case 3:
+                low = 1, high = 1600;
+                break;
+            case 17:
+                low = 140, high = 1459;
+                break;
+            case 18:
+                high = 240;
+                break;
+            case 19:
+                high = 360;
+                break;
+            default:
+                break;
         }
         p.channel = static_cast<uint16_t>(
             ReadNumberCell(grid, channelColumn, row, low, std::min(high, channelMax)));
@@ -178,9 +204,15 @@ void CAcqItemGenericCdma::FromJson(const nlohmann::json& in) {
 
 // ---- GSM generic
 
-const CNameList& CAcqItemGenericGsm::GetBandList() const { return Names().GsmBand(); }
-ChoiceList CAcqItemGenericGsm::GetBandChoices() const { return GetBandList().Choices(); }
-std::string CAcqItemGenericGsm::GetBandName(int v) const { return GetBandList().GetName(v); }
+const CNameList& CAcqItemGenericGsm::GetBandList() const {
+    return Names().GsmBand();
+}
+ChoiceList CAcqItemGenericGsm::GetBandChoices() const {
+    return GetBandList().Choices();
+}
+std::string CAcqItemGenericGsm::GetBandName(int v) const {
+    return GetBandList().GetName(v);
+}
 int CAcqItemGenericGsm::GetBandValue(const std::string& n) const {
     return GetBandList().GetValue(n);
 }
@@ -254,9 +286,8 @@ void CAcqItemGenericGsm::FromText(const std::vector<std::string>& tokens) {
         BadTokenCount(t.size(), ("1 to " + std::to_string(MaxBands())).c_str());
     std::vector<uint8_t> bands;
     for (const auto& token : t)
-        bands.push_back(static_cast<uint8_t>(TextNumber(token, FieldMax(layout_.bandWidth),
-                                                        DataError::InvalidGenericGsmBand,
-                                                        "GSM band")));
+        bands.push_back(static_cast<uint8_t>(TextNumber(
+            token, FieldMax(layout_.bandWidth), DataError::InvalidGenericGsmBand, "GSM band")));
     bands_ = std::move(bands);
 }
 
@@ -283,9 +314,15 @@ constexpr const char* kUarfcnYes = "UARFCN_INCL_YES";
 constexpr const char* kUarfcnNo = "UARFCN_INCL_NO";
 }  // namespace
 
-const CNameList& CAcqItemGenericUmts::GetBandList() const { return Names().UmtsBand(); }
-ChoiceList CAcqItemGenericUmts::GetBandChoices() const { return GetBandList().Choices(); }
-std::string CAcqItemGenericUmts::GetBandName(int v) const { return GetBandList().GetName(v); }
+const CNameList& CAcqItemGenericUmts::GetBandList() const {
+    return Names().UmtsBand();
+}
+ChoiceList CAcqItemGenericUmts::GetBandChoices() const {
+    return GetBandList().Choices();
+}
+std::string CAcqItemGenericUmts::GetBandName(int v) const {
+    return GetBandList().GetName(v);
+}
 int CAcqItemGenericUmts::GetBandValue(const std::string& n) const {
     return GetBandList().GetValue(n);
 }
@@ -342,9 +379,9 @@ void CAcqItemGenericUmts::WriteToGrid(Grid& grid, int row) const {
         SetDropDownCell(grid, c, row, GetBandList(),
                         has ? GetBandName(entries_[i].band) : std::string{});
         if (c + 1 < limit)
-            SetEditCell(grid, c + 1, row, "99999",
-                        has && entries_[i].uarfcn ? std::to_string(*entries_[i].uarfcn)
-                                                  : std::string{});
+            SetEditCell(
+                grid, c + 1, row, "99999",
+                has && entries_[i].uarfcn ? std::to_string(*entries_[i].uarfcn) : std::string{});
     }
 }
 
@@ -392,9 +429,11 @@ void CAcqItemGenericUmts::FromText(const std::vector<std::string>& tokens) {
     const auto code = DataError::InvalidGenericUmtsBand;
     std::vector<UmtsEntry> entries;
     for (size_t i = 0; i < t.size();) {
-        if (entries.size() == MaxEntries() || i + 1 >= t.size()) BadTokenCount(t.size(), "whole entries");
+        if (entries.size() == MaxEntries() || i + 1 >= t.size())
+            BadTokenCount(t.size(), "whole entries");
         UmtsEntry e;
-        e.band = static_cast<uint8_t>(TextNumber(t[i], FieldMax(layout_.bandWidth), code, "UMTS band"));
+        e.band =
+            static_cast<uint8_t>(TextNumber(t[i], FieldMax(layout_.bandWidth), code, "UMTS band"));
         if (t[i + 1] == kUarfcnYes) {
             if (i + 2 >= t.size()) BadTokenCount(t.size(), "whole entries");
             e.uarfcn = static_cast<uint16_t>(
@@ -431,8 +470,8 @@ void CAcqItemGenericUmts::FromJson(const nlohmann::json& in) {
         UmtsEntry e;
         e.band = static_cast<uint8_t>(JsonNumber(o, "band", FieldMax(layout_.bandWidth), code));
         if (o.contains("uarfcn"))
-            e.uarfcn = static_cast<uint16_t>(
-                JsonNumber(o, "uarfcn", FieldMax(layout_.uarfcnWidth), code));
+            e.uarfcn =
+                static_cast<uint16_t>(JsonNumber(o, "uarfcn", FieldMax(layout_.uarfcnWidth), code));
         entries.push_back(e);
     }
     entries_ = std::move(entries);
@@ -444,9 +483,15 @@ namespace {
 constexpr int kUmbColumns = 5;  // band, channel, FFT size, guard carriers, cyclic prefix
 }  // namespace
 
-const CNameList& CAcqItemGenericUmb::GetBandList() const { return Names().UmbBand(); }
-ChoiceList CAcqItemGenericUmb::GetBandChoices() const { return GetBandList().Choices(); }
-std::string CAcqItemGenericUmb::GetBandName(int v) const { return GetBandList().GetName(v); }
+const CNameList& CAcqItemGenericUmb::GetBandList() const {
+    return Names().UmbBand();
+}
+ChoiceList CAcqItemGenericUmb::GetBandChoices() const {
+    return GetBandList().Choices();
+}
+std::string CAcqItemGenericUmb::GetBandName(int v) const {
+    return GetBandList().GetName(v);
+}
 int CAcqItemGenericUmb::GetBandValue(const std::string& n) const {
     return GetBandList().GetValue(n);
 }
@@ -526,8 +571,8 @@ void CAcqItemGenericUmb::WriteToGrid(Grid& grid, int row) const {
 
 void CAcqItemGenericUmb::ReadFromGrid(const Grid& grid, int row, const GridContext&) {
     const int limit = ColumnLimit(grid, Col(kUmbColumns * layout_.largest));
-    const size_t count = ScanEntries(grid, row, 1, kUmbColumns, limit, Msg::UmbGap,
-                                     {true, true, true, true, true});
+    const size_t count =
+        ScanEntries(grid, row, 1, kUmbColumns, limit, Msg::UmbGap, {true, true, true, true, true});
     RefuseExcess(count, MaxEntries(), Col(kUmbColumns * MaxEntries() + 1), row);
     std::vector<UmbEntry> entries;
     for (size_t i = 0; i < count; ++i) {
@@ -567,8 +612,8 @@ bool CAcqItemGenericUmb::OnGridHeading(Grid& grid, int event) const {
 std::string CAcqItemGenericUmb::ToText() const {
     std::string text;
     for (const auto& e : entries_)
-        for (uint16_t v : {e.bandClass, e.channel, e.fftSize, e.numGuardCarriers, e.cyclicPrefix,
-                           e.spare})
+        for (uint16_t v :
+             {e.bandClass, e.channel, e.fftSize, e.numGuardCarriers, e.cyclicPrefix, e.spare})
             text += std::to_string(v) + "\t";
     return text;
 }
@@ -576,19 +621,24 @@ std::string CAcqItemGenericUmb::ToText() const {
 void CAcqItemGenericUmb::FromText(const std::vector<std::string>& tokens) {
     const auto t = TrimTokens(tokens);
     if (t.size() % 6 != 0 || t.size() / 6 > MaxEntries())
-        BadTokenCount(t.size(), ("a multiple of 6 up to " + std::to_string(6 * MaxEntries())).c_str());
+        BadTokenCount(t.size(),
+                      ("a multiple of 6 up to " + std::to_string(6 * MaxEntries())).c_str());
     const auto code = DataError::InvalidAcqTable;
     std::vector<UmbEntry> entries;
     for (size_t i = 0; i < t.size(); i += 6) {
         UmbEntry e;
-        e.bandClass = static_cast<uint16_t>(TextNumber(t[i], FieldMax(layout_.bandWidth), code, "UMB band class"));
-        e.channel = static_cast<uint16_t>(TextNumber(t[i + 1], FieldMax(layout_.channelWidth), code, "UMB channel"));
-        e.fftSize = static_cast<uint16_t>(TextNumber(t[i + 2], FieldMax(layout_.fftSizeWidth), code, "FFT size"));
+        e.bandClass = static_cast<uint16_t>(
+            TextNumber(t[i], FieldMax(layout_.bandWidth), code, "UMB band class"));
+        e.channel = static_cast<uint16_t>(
+            TextNumber(t[i + 1], FieldMax(layout_.channelWidth), code, "UMB channel"));
+        e.fftSize = static_cast<uint16_t>(
+            TextNumber(t[i + 2], FieldMax(layout_.fftSizeWidth), code, "FFT size"));
         e.numGuardCarriers = static_cast<uint16_t>(
             TextNumber(t[i + 3], FieldMax(layout_.guardWidth), code, "number of guard carriers"));
-        e.cyclicPrefix = static_cast<uint16_t>(
-            TextNumber(t[i + 4], FieldMax(layout_.cyclicPrefixWidth), code, "cyclic prefix length"));
-        e.spare = static_cast<uint16_t>(TextNumber(t[i + 5], FieldMax(layout_.spareWidth), code, "UMB spare field"));
+        e.cyclicPrefix = static_cast<uint16_t>(TextNumber(
+            t[i + 4], FieldMax(layout_.cyclicPrefixWidth), code, "cyclic prefix length"));
+        e.spare = static_cast<uint16_t>(
+            TextNumber(t[i + 5], FieldMax(layout_.spareWidth), code, "UMB spare field"));
         entries.push_back(e);
     }
     entries_ = std::move(entries);
@@ -616,14 +666,18 @@ void CAcqItemGenericUmb::FromJson(const nlohmann::json& in) {
     for (const auto& v : list) {
         const auto& o = JsonObject(v, "entries", code);
         UmbEntry e;
-        e.bandClass = static_cast<uint16_t>(JsonNumber(o, "bandClass", FieldMax(layout_.bandWidth), code));
-        e.channel = static_cast<uint16_t>(JsonNumber(o, "channel", FieldMax(layout_.channelWidth), code));
-        e.fftSize = static_cast<uint16_t>(JsonNumber(o, "fftSize", FieldMax(layout_.fftSizeWidth), code));
+        e.bandClass =
+            static_cast<uint16_t>(JsonNumber(o, "bandClass", FieldMax(layout_.bandWidth), code));
+        e.channel =
+            static_cast<uint16_t>(JsonNumber(o, "channel", FieldMax(layout_.channelWidth), code));
+        e.fftSize =
+            static_cast<uint16_t>(JsonNumber(o, "fftSize", FieldMax(layout_.fftSizeWidth), code));
         e.numGuardCarriers = static_cast<uint16_t>(
             JsonNumber(o, "numGuardCarriers", FieldMax(layout_.guardWidth), code));
         e.cyclicPrefix = static_cast<uint16_t>(
             JsonNumber(o, "cyclicPrefix", FieldMax(layout_.cyclicPrefixWidth), code));
-        e.spare = static_cast<uint16_t>(JsonNumberOr(o, "spare", FieldMax(layout_.spareWidth), code, 0));
+        e.spare =
+            static_cast<uint16_t>(JsonNumberOr(o, "spare", FieldMax(layout_.spareWidth), code, 0));
         entries.push_back(e);
     }
     entries_ = std::move(entries);

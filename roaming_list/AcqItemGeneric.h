@@ -74,7 +74,9 @@ protected:
     virtual DataError PairError() const;
 
 private:
-    uint32_t PairBits() const { return static_cast<uint32_t>(layout_.bandWidth + layout_.channelWidth); }
+    uint32_t PairBits() const {
+        return static_cast<uint32_t>(layout_.bandWidth + layout_.channelWidth);
+    }
 
     std::vector<BandChannel> pairs_;
     BandChannelLayout layout_;

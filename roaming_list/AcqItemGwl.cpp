@@ -16,14 +16,18 @@ using namespace AcqDetail;
 
 namespace {
 
-const CRLNameTables& Names() { return CRLNameTables::Instance(); }
+const CRLNameTables& Names() {
+    return CRLNameTables::Instance();
+}
 
 constexpr int kLastColumn = 299;
 constexpr uint32_t kMaxRecordBits = 255 * 8;
 constexpr const char* kPresent = "UARFCN_PRESENT";
 constexpr const char* kNotPresent = "UARFCN_NOT_PRESENT";
 
-uint32_t Fill(uint32_t bits) { return (8 - bits % 8) % 8; }
+uint32_t Fill(uint32_t bits) {
+    return (8 - bits % 8) % 8;
+}
 
 std::vector<GwlTechnology> DefaultTechnologies() {
     return {{9, {}}, {3, {}}, {5, {}}};
@@ -37,7 +41,9 @@ bool AnyFilled(const Grid& grid, int row, int from, int limit) {
 
 }  // namespace
 
-GwlLayout GwlGenericLayout() { return GwlLayout{}; }
+GwlLayout GwlGenericLayout() {
+    return GwlLayout{};
+}
 
 GwlLayout ThreeGppGenericLayout() {
     GwlLayout layout;
@@ -59,10 +65,14 @@ size_t CGwlTechnologyList::MaxBands() const {
 
 const CNameList* CGwlTechnologyList::BandList(uint8_t sysMode) const {
     switch (sysMode) {
-        case 3: return &Names().GsmBand();
-        case 5: return &Names().UmtsBand();
-        case 9: return lteBands_;
-        default: return nullptr;
+        case 3:
+            return &Names().GsmBand();
+        case 5:
+            return &Names().UmtsBand();
+        case 9:
+            return lteBands_;
+        default:
+            return nullptr;
     }
 }
 
@@ -84,7 +94,8 @@ bool CGwlTechnologyList::IsValid(uint32_t headerBits) const {
             return false;
         if (t.bands.empty() || t.bands.size() > MaxBands()) return false;
         for (const auto& b : t.bands)
-            if (!Fits(b.band, layout_.bandWidth) || (b.uarfcn && !Fits(*b.uarfcn, layout_.uarfcnWidth)))
+            if (!Fits(b.band, layout_.bandWidth) ||
+                (b.uarfcn && !Fits(*b.uarfcn, layout_.uarfcnWidth)))
                 return false;
     }
     const uint32_t bits = headerBits + EncodedBits();
@@ -253,12 +264,13 @@ void CGwlTechnologyList::FromText(const std::vector<std::string>& tokens, size_t
         GwlTechnology t;
         t.sysMode = static_cast<uint8_t>(TextNumber(need(i), FieldMax(layout_.sysModeWidth),
                                                     DataError::InvalidGwlSysMode, "system mode"));
-        const uint32_t bandCount = TextNumber(need(i + 1), static_cast<uint32_t>(MaxBands()), code,
-                                              "number of bands");
+        const uint32_t bandCount =
+            TextNumber(need(i + 1), static_cast<uint32_t>(MaxBands()), code, "number of bands");
         i += 2;
         for (uint32_t j = 0; j < bandCount; ++j) {
             GwlBand b;
-            b.band = static_cast<uint8_t>(TextNumber(need(i), FieldMax(layout_.bandWidth), code, "band"));
+            b.band = static_cast<uint8_t>(
+                TextNumber(need(i), FieldMax(layout_.bandWidth), code, "band"));
             const std::string presence = need(i + 1);
             if (presence == kPresent) {
                 b.uarfcn = static_cast<uint16_t>(
@@ -303,12 +315,13 @@ void CGwlTechnologyList::FromJson(const nlohmann::json& in) {
     for (const auto& v : list) {
         const auto& o = JsonObject(v, "technologies", code);
         GwlTechnology t;
-        t.sysMode = static_cast<uint8_t>(JsonNumber(o, "sysMode", FieldMax(layout_.sysModeWidth),
-                                                    DataError::InvalidGwlSysMode));
+        t.sysMode = static_cast<uint8_t>(
+            JsonNumber(o, "sysMode", FieldMax(layout_.sysModeWidth), DataError::InvalidGwlSysMode));
         for (const auto& bv : JsonArray(o, "bands", MaxBands(), code)) {
             const auto& bo = JsonObject(bv, "bands", code);
             GwlBand b;
-            b.band = static_cast<uint8_t>(JsonNumber(bo, "band", FieldMax(layout_.bandWidth), code));
+            b.band =
+                static_cast<uint8_t>(JsonNumber(bo, "band", FieldMax(layout_.bandWidth), code));
             if (bo.contains("uarfcn"))
                 b.uarfcn = static_cast<uint16_t>(
                     JsonNumber(bo, "uarfcn", FieldMax(layout_.uarfcnWidth), code));
@@ -325,11 +338,17 @@ AcqItemGenericGwl::AcqItemGenericGwl() : list_(&Names().LteBandGwl(), GwlGeneric
     list_.technologies = DefaultTechnologies();
 }
 
-bool AcqItemGenericGwl::IsValid() const { return list_.IsValid(0); }
+bool AcqItemGenericGwl::IsValid() const {
+    return list_.IsValid(0);
+}
 
-uint32_t AcqItemGenericGwl::ReadFields(CRLFile& file, int) { return list_.Read(file); }
+uint32_t AcqItemGenericGwl::ReadFields(CRLFile& file, int) {
+    return list_.Read(file);
+}
 
-uint32_t AcqItemGenericGwl::WriteFields(CRLFile& file) const { return list_.Write(file); }
+uint32_t AcqItemGenericGwl::WriteFields(CRLFile& file) const {
+    return list_.Write(file);
+}
 
 void AcqItemGenericGwl::WriteToGrid(Grid& grid, int row) const {
     grid.ClearRow(row, 1);
@@ -348,15 +367,21 @@ bool AcqItemGenericGwl::OnGridHeading(Grid& grid, int event) const {
     return true;
 }
 
-std::string AcqItemGenericGwl::ToText() const { return list_.ToText(); }
+std::string AcqItemGenericGwl::ToText() const {
+    return list_.ToText();
+}
 
 void AcqItemGenericGwl::FromText(const std::vector<std::string>& tokens) {
     list_.FromText(TrimTokens(tokens), 0);
 }
 
-void AcqItemGenericGwl::ToJson(nlohmann::json& out) const { list_.ToJson(out); }
+void AcqItemGenericGwl::ToJson(nlohmann::json& out) const {
+    list_.ToJson(out);
+}
 
-void AcqItemGenericGwl::FromJson(const nlohmann::json& in) { list_.FromJson(in); }
+void AcqItemGenericGwl::FromJson(const nlohmann::json& in) {
+    list_.FromJson(in);
+}
 
 // ---- 3GPP Generic
 

@@ -148,15 +148,13 @@ uint32_t TextNumber(const std::string& token, uint32_t max, DataError code, cons
     long long value = 0;
     if (!ParseNumber(token, value) || value > static_cast<long long>(max))
         throw CDataException(code, "(" + std::string(what) + " \"" + token +
-                                       "\" is not a number from 0 to " + std::to_string(max) +
-                                       ")");
+                                       "\" is not a number from 0 to " + std::to_string(max) + ")");
     return static_cast<uint32_t>(value);
 }
 
 void BadTokenCount(size_t got, const char* expected) {
-    throw CDataException(DataError::InvalidAcqTable, "(" + std::to_string(got) +
-                                                         " fields where " + expected +
-                                                         " are expected)");
+    throw CDataException(DataError::InvalidAcqTable, "(" + std::to_string(got) + " fields where " +
+                                                         expected + " are expected)");
 }
 
 uint32_t JsonNumber(const nlohmann::json& in, const char* key, uint32_t max, DataError code) {
@@ -189,8 +187,7 @@ const nlohmann::json& JsonArray(const nlohmann::json& in, const char* key, size_
     if (!v.is_array()) throw CDataException(code, "(" + std::string(key) + " is not a list)");
     if (v.size() > maxSize)
         throw CDataException(code, "(" + std::string(key) + " holds " + std::to_string(v.size()) +
-                                       " entries, at most " + std::to_string(maxSize) +
-                                       " fit)");
+                                       " entries, at most " + std::to_string(maxSize) + " fit)");
     return v;
 }
 

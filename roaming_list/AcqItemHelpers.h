@@ -21,7 +21,9 @@ namespace AcqDetail {
 constexpr uint32_t FieldMax(int width) {
     return width >= 32 ? 0xFFFFFFFFu : (width <= 0 ? 0u : (1u << width) - 1u);
 }
-constexpr bool Fits(uint64_t value, int width) { return value <= FieldMax(width); }
+constexpr bool Fits(uint64_t value, int width) {
+    return value <= FieldMax(width);
+}
 
 // Writes `value` in `width` bits, or throws CDataException(InvalidAcqTable) naming `what` when
 // it does not fit. Returns `width`.

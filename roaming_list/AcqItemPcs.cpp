@@ -16,7 +16,9 @@ using namespace AcqDetail;
 
 namespace {
 
-const CNameList& BlockNames() { return CRLNameTables::Instance().Block(); }
+const CNameList& BlockNames() {
+    return CRLNameTables::Instance().Block();
+}
 
 }  // namespace
 
@@ -91,13 +93,15 @@ void CAcqItemPcsCdmaBlocks::FromText(const std::vector<std::string>& tokens) {
     if (t.empty() || t.size() > MaxBlocks())
         BadTokenCount(t.size(), ("1 to " + std::to_string(MaxBlocks())).c_str());
     std::vector<uint8_t> blocks;
-    for (const auto& token : t) blocks.push_back(static_cast<uint8_t>(BlockNames().GetValue(token)));
+    for (const auto& token : t)
+        blocks.push_back(static_cast<uint8_t>(BlockNames().GetValue(token)));
     blocks_ = std::move(blocks);
 }
 
 void CAcqItemPcsCdmaBlocks::ToJson(nlohmann::json& out) const {
     nlohmann::json list = nlohmann::json::array();
-    for (uint8_t b : blocks_) list.push_back({{"block", b}, {"blockName", BlockNames().GetName(b)}});
+    for (uint8_t b : blocks_)
+        list.push_back({{"block", b}, {"blockName", BlockNames().GetName(b)}});
     out["blocks"] = std::move(list);
 }
 
@@ -105,9 +109,9 @@ void CAcqItemPcsCdmaBlocks::FromJson(const nlohmann::json& in) {
     const auto& list = JsonArray(in, "blocks", MaxBlocks(), DataError::InvalidBlock);
     std::vector<uint8_t> blocks;
     for (const auto& v : list)
-        blocks.push_back(static_cast<uint8_t>(JsonNumber(JsonObject(v, "blocks", DataError::InvalidBlock),
-                                                         "block", FieldMax(layout_.blockWidth),
-                                                         DataError::InvalidBlock)));
+        blocks.push_back(static_cast<uint8_t>(
+            JsonNumber(JsonObject(v, "blocks", DataError::InvalidBlock), "block",
+                       FieldMax(layout_.blockWidth), DataError::InvalidBlock)));
     blocks_ = std::move(blocks);
 }
 

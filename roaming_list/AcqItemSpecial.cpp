@@ -10,7 +10,9 @@ namespace Tarn {
 
 using namespace AcqDetail;
 
-bool CAcqItemSpecial::IsValid() const { return Fits(data_.size(), lengthWidth_); }
+bool CAcqItemSpecial::IsValid() const {
+    return Fits(data_.size(), lengthWidth_);
+}
 
 uint32_t CAcqItemSpecial::ReadFields(CRLFile& file, int octetLength) {
     const size_t length = octetLength > 0 ? static_cast<size_t>(octetLength) : 0;
@@ -44,13 +46,15 @@ bool CAcqItemSpecial::OnGridHeading(Grid& grid, int event) const {
     return true;
 }
 
-std::string CAcqItemSpecial::ToText() const { return std::to_string(data_.size()) + "\t"; }
+std::string CAcqItemSpecial::ToText() const {
+    return std::to_string(data_.size()) + "\t";
+}
 
 void CAcqItemSpecial::FromText(const std::vector<std::string>& tokens) {
     const auto t = TrimTokens(tokens);
     if (t.size() != 1) BadTokenCount(t.size(), "1");
-    data_.resize(TextNumber(t[0], FieldMax(lengthWidth_), DataError::InvalidAcqTable, "data length"),
-                 0);
+    data_.resize(
+        TextNumber(t[0], FieldMax(lengthWidth_), DataError::InvalidAcqTable, "data length"), 0);
 }
 
 void CAcqItemSpecial::ToJson(nlohmann::json& out) const {

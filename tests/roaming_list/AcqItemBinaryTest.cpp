@@ -60,14 +60,28 @@ const std::vector<EncodingCase>& EncodingCases() {
          "07 01 F0", 24},
         {"custom channel record with no channels, long framing", 3,
          [] { return Channels(3, 3, {}); }, "03 01 00", 24},
-        {"custom channels 1 and 1600", 4, [] { return Channels(3, 4, {1, 1600}); },
+        {"custom channels 1 and 1600", 4,
+         [] {
+             return Channels(3, 4, {1, 1600});
+         },
          "03 04 10 01 C8 00", 48},
         {"2GHz channel v2, short framing", 2, [] { return Channels(9, 2, {2047}); }, "90 FF F0",
          20},
-        {"PCS channels v1", 1, [] { return Channels(6, 1, {25, 1199}); }, "61 01 99 5E", 31},
+        {"PCS channels v1", 1,
+         [] {
+             return Channels(6, 1, {25, 1199});
+         },
+         "61 01 99 5E", 31},
         {"PCS 2 blocks long: 9 bits of fields, 7 reserved, length 2", 3,
-         [] { return Blocks(3, {0, 5}); }, "05 02 42 80", 32},
-        {"PCS 2 blocks short: 13 bits", 1, [] { return Blocks(1, {0, 5}); }, "54 28", 13},
+         [] {
+             return Blocks(3, {0, 5});
+         },
+         "05 02 42 80", 32},
+        {"PCS 2 blocks short: 13 bits", 1,
+         [] {
+             return Blocks(1, {0, 5});
+         },
+         "54 28", 13},
         {"CDMA generic: length is twice the pairs", 3,
          [] {
              auto item = Make<CAcqItemGenericCdma>(10, 3);
@@ -131,8 +145,8 @@ const std::vector<EncodingCase>& EncodingCases() {
              return item;
          },
          "FD 02 AA BB", 32},
-        {"undefined record with no data", 5, [] { return Make<CAcqItemSpecial>(253, 5); },
-         "FD 00", 16},
+        {"undefined record with no data", 5, [] { return Make<CAcqItemSpecial>(253, 5); }, "FD 00",
+         16},
     };
     return cases;
 }
@@ -259,8 +273,8 @@ TEST(AcqItemFactory, EachVersionMakesItsOwnTypes) {
     const std::set<int> v2 = {1, 2, 3, 4, 5, 6, 7, 8, 9};
     const std::set<int> v34 = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 16, 253};
     const std::set<int> v5 = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 253};
-    const std::vector<std::pair<int, std::set<int>>> versions = {
-        {1, v1}, {2, v2}, {3, v34}, {4, v34}, {5, v5}, {0, v5}};
+    const std::vector<std::pair<int, std::set<int>>> versions = {{1, v1},  {2, v2}, {3, v34},
+                                                                 {4, v34}, {5, v5}, {0, v5}};
     for (const auto& [version, offered] : versions) {
         for (int code = 0; code <= 255; ++code) {
             SCOPED_TRACE("version " + std::to_string(version) + " code " + std::to_string(code));
