@@ -287,14 +287,5 @@ TEST(AcqItemFactory, EachVersionMakesItsOwnTypes) {
     }
 }
 
-TEST(AcqItemFactory, ClassesKeepTheirFamilies) {
-    // Derived types share their base's grid, text and checks.
-    EXPECT_TRUE(dynamic_cast<CAcqItemCellularAnalog*>(CreateAcqItem(4, 1).get()));
-    EXPECT_TRUE(dynamic_cast<CAcqItemCellularCdmaCustom*>(CreateAcqItem(6, 1).get()));
-    EXPECT_TRUE(dynamic_cast<CAcqItemCellularCdmaStandard*>(CreateAcqItem(7, 2).get()));
-    EXPECT_TRUE(dynamic_cast<CAcqItemJtacsCdmaCustom*>(CreateAcqItem(9, 2).get()));
-    EXPECT_TRUE(dynamic_cast<CAcqItemGenericCdma*>(CreateAcqItem(11, 3).get()));
-}
-
 }  // namespace
 }  // namespace Tarn

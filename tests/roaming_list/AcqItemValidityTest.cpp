@@ -43,15 +43,13 @@ std::function<std::unique_ptr<CAcqItem>()> Gpp(uint8_t version, std::vector<GwlT
 
 TEST(AcqItemValidity, LimitsOfEveryType) {
     const GwlTechnology lte{9, {{2, 1300}}};
+    // clang-format off
     const std::vector<ValidityCase> cases = {
-        {"analog with the unnamed system 2",
-         With<CAcqItemCellularAnalog>(1, [](auto& r) { r.SetSystem(2); }), true},
+        {"analog with the unnamed system 2", With<CAcqItemCellularAnalog>(1, [](auto& r) { r.SetSystem(2); }), true},
         {"standard with system 2",
          With<CAcqItemCellularCdmaStandard>(2, [](auto& r) { r.SetSystem(2); }), false},
-        {"standard with system Both",
-         With<CAcqItemCellularCdmaStandard>(7, [](auto& r) { r.SetSystem(3); }), true},
-        {"standard with channel 0",
-         With<CAcqItemCellularCdmaStandard>(2, [](auto& r) { r.SetChannel(0); }), false},
+        {"standard with system Both", With<CAcqItemCellularCdmaStandard>(7, [](auto& r) { r.SetSystem(3); }), true},
+        {"standard with channel 0", With<CAcqItemCellularCdmaStandard>(2, [](auto& r) { r.SetChannel(0); }), false},
 
         {"cellular 799 and 801", Channels(3, {799, 801}), true},
         {"cellular 800", Channels(3, {800}), false},
@@ -69,75 +67,23 @@ TEST(AcqItemValidity, LimitsOfEveryType) {
         {"2GHz channel 2048", Channels(9, {2048}), false},
 
         {"block Any", With<CAcqItemPcsCdmaBlocks>(5, [](auto& r) { r.SetBlocks({7}); }), true},
-        {"block 6",
-         With<CAcqItemPcsCdmaBlocks>(5,
-                                     [](auto& r) {
-                                         r.SetBlocks({0, 6});
-                                     }),
-         false},
-        {"6 blocks",
-         With<CAcqItemPcsCdmaBlocks>(5,
-                                     [](auto& r) {
-                                         r.SetBlocks({0, 1, 2, 3, 4, 5});
-                                     }),
-         true},
-        {"7 blocks",
-         With<CAcqItemPcsCdmaBlocks>(5, [](auto& r) { r.SetBlocks(std::vector<uint8_t>(7, 0)); }),
-         false},
+        {"block 6", With<CAcqItemPcsCdmaBlocks>(5, [](auto& r) { r.SetBlocks({0, 6}); }), false},
+        {"6 blocks", With<CAcqItemPcsCdmaBlocks>(5, [](auto& r) { r.SetBlocks({0, 1, 2, 3, 4, 5}); }), true},
+        {"7 blocks", With<CAcqItemPcsCdmaBlocks>(5, [](auto& r) { r.SetBlocks(std::vector<uint8_t>(7, 0)); }), false},
 
-        {"127 generic pairs",
-         With<CAcqItemGenericCdma>(10,
-                                   [](auto& r) {
-                                       r.SetPairs(std::vector<BandChannel>(127, {31, 2047}));
-                                   }),
-         true},
-        {"128 generic pairs",
-         With<CAcqItemGenericCdma>(11,
-                                   [](auto& r) {
-                                       r.SetPairs(std::vector<BandChannel>(128, {1, 1}));
-                                   }),
-         false},
-        {"band class 32",
-         With<CAcqItemGenericCdma>(10,
-                                   [](auto& r) {
-                                       r.SetPairs({{32, 1}});
-                                   }),
-         false},
+        {"127 generic pairs", With<CAcqItemGenericCdma>(10, [](auto& r) { r.SetPairs(std::vector<BandChannel>(127, {31, 2047})); }), true},
+        {"128 generic pairs", With<CAcqItemGenericCdma>(11, [](auto& r) { r.SetPairs(std::vector<BandChannel>(128, {1, 1})); }), false},
+        {"band class 32", With<CAcqItemGenericCdma>(10, [](auto& r) { r.SetPairs({{32, 1}}); }), false},
         {"no generic pairs", With<CAcqItemGenericCdma>(10, [](auto&) {}), false},
-        {"31 GSM bands",
-         With<CAcqItemGenericGsm>(12, [](auto& r) { r.SetBands(std::vector<uint8_t>(31, 8)); }),
-         true},
-        {"32 GSM bands",
-         With<CAcqItemGenericGsm>(12, [](auto& r) { r.SetBands(std::vector<uint8_t>(32, 8)); }),
-         false},
-        {"UARFCN 16383",
-         With<CAcqItemGenericUmts>(13,
-                                   [](auto& r) {
-                                       r.SetEntries({{0, 16383}});
-                                   }),
-         true},
-        {"UARFCN 16384",
-         With<CAcqItemGenericUmts>(13,
-                                   [](auto& r) {
-                                       r.SetEntries({{0, 16384}});
-                                   }),
-         false},
-        {"32 UMTS entries",
-         With<CAcqItemGenericUmts>(13, [](auto& r) { r.SetEntries(std::vector<UmtsEntry>(32)); }),
-         false},
+        {"31 GSM bands", With<CAcqItemGenericGsm>(12, [](auto& r) { r.SetBands(std::vector<uint8_t>(31, 8)); }), true},
+        {"32 GSM bands", With<CAcqItemGenericGsm>(12, [](auto& r) { r.SetBands(std::vector<uint8_t>(32, 8)); }), false},
+        {"UARFCN 16383", With<CAcqItemGenericUmts>(13, [](auto& r) { r.SetEntries({{0, 16383}}); }), true},
+        {"UARFCN 16384", With<CAcqItemGenericUmts>(13, [](auto& r) { r.SetEntries({{0, 16384}}); }), false},
+        {"32 UMTS entries", With<CAcqItemGenericUmts>(13, [](auto& r) { r.SetEntries(std::vector<UmtsEntry>(32)); }), false},
         {"UMB without entries", With<CAcqItemGenericUmb>(16, [](auto&) {}), true},
-        {"16 UMB entries",
-         With<CAcqItemGenericUmb>(16, [](auto& r) { r.SetEntries(std::vector<UmbEntry>(16)); }),
-         true},
-        {"17 UMB entries",
-         With<CAcqItemGenericUmb>(16, [](auto& r) { r.SetEntries(std::vector<UmbEntry>(17)); }),
-         false},
-        {"1024 guard carriers",
-         With<CAcqItemGenericUmb>(16,
-                                  [](auto& r) {
-                                      r.SetEntries({{0, 0, 0, 1024, 0, 0}});
-                                  }),
-         false},
+        {"16 UMB entries", With<CAcqItemGenericUmb>(16, [](auto& r) { r.SetEntries(std::vector<UmbEntry>(16)); }), true},
+        {"17 UMB entries", With<CAcqItemGenericUmb>(16, [](auto& r) { r.SetEntries(std::vector<UmbEntry>(17)); }), false},
+        {"1024 guard carriers", With<CAcqItemGenericUmb>(16, [](auto& r) { r.SetEntries({{0, 0, 0, 1024, 0, 0}}); }), false},
 
         {"GWL as created: technologies without bands", Gwl({{9, {}}, {3, {}}, {5, {}}}), false},
         {"GWL with one LTE band", Gwl({lte}), true},
@@ -146,21 +92,16 @@ TEST(AcqItemValidity, LimitsOfEveryType) {
         {"GWL 66 bands", Gwl({{9, std::vector<GwlBand>(66, {62, std::nullopt})}}), true},
         {"GWL 67 bands", Gwl({{9, std::vector<GwlBand>(67, {2, std::nullopt})}}), false},
         {"GWL band 64 does not fit", Gwl({{9, {{64, std::nullopt}}}}), false},
-        {"GWL past 255 octets",
-         Gwl({{9, std::vector<GwlBand>(66, {2, 1})}, {9, std::vector<GwlBand>(66, {2, 1})}}),
-         false},
+        {"GWL past 255 octets", Gwl({{9, std::vector<GwlBand>(66, {2, 1})}, {9, std::vector<GwlBand>(66, {2, 1})}}), false},
         {"3GPP version 1 with EUTRAN-250", Gpp(1, {{9, {{249, 1}}}}), true},
         {"3GPP version 2", Gpp(2, {lte}), false},
-        {"3GPP 200 bands fit 255 octets",
-         Gpp(1, {{9, std::vector<GwlBand>(200, {0, std::nullopt})}}), true},
-        {"3GPP 255 bands do not", Gpp(1, {{9, std::vector<GwlBand>(255, {0, std::nullopt})}}),
-         false},
+        {"3GPP 200 bands fit 255 octets", Gpp(1, {{9, std::vector<GwlBand>(200, {0, std::nullopt})}}), true},
+        {"3GPP 255 bands do not", Gpp(1, {{9, std::vector<GwlBand>(255, {0, std::nullopt})}}), false},
 
-        {"255 octets of undefined data",
-         With<CAcqItemSpecial>(253, [](auto& r) { r.SetData(std::vector<uint8_t>(255)); }), true},
-        {"256 octets",
-         With<CAcqItemSpecial>(253, [](auto& r) { r.SetData(std::vector<uint8_t>(256)); }), false},
+        {"255 octets of undefined data", With<CAcqItemSpecial>(253, [](auto& r) { r.SetData(std::vector<uint8_t>(255)); }), true},
+        {"256 octets", With<CAcqItemSpecial>(253, [](auto& r) { r.SetData(std::vector<uint8_t>(256)); }), false},
     };
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         auto item = c.make();
