@@ -27,6 +27,9 @@ public:
     virtual bool OnNewDocument() { return true; }
     virtual bool OnOpenDocument(const QString& path) = 0;
     virtual bool OnSaveDocument(const QString& path) = 0;
+    // Called once the document's first window is up (or at once without a frame): notices about
+    // what was opened are shown over the document rather than over an empty frame.
+    virtual void OnViewsReady() {}
     // The widget of the document's first window.
     virtual std::unique_ptr<QWidget> CreateMainView() = 0;
     // The text that Print and Print Preview put on paper; false when there is none.

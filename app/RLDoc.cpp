@@ -130,11 +130,16 @@ bool CRLDoc::OnOpenDocument(const QString& path) {
     LoadViewsFromList();
     UndoStack().clear();
     readOnly_ = HasReadOnlyAttribute(path);
-    if (data.GetAcqTable().GetSize() == 0)
-        Prompts().Message(parent, Text(Msg::NoAcqRecordsInFile), MsgIcon::Error);
-    if (data.GetSysTable().GetSize() == 0)
-        Prompts().Message(parent, Text(Msg::NoSysRecordsInFile), MsgIcon::Error);
+    pendingNotices_.clear();
+    if (data.GetAcqTable().GetSize() == 0) pendingNotices_.push_back(Msg::NoAcqRecordsInFile);
+    if (data.GetSysTable().GetSize() == 0) pendingNotices_.push_back(Msg::NoSysRecordsInFile);
     return true;
+}
+
+void CRLDoc::OnViewsReady() {
+    const std::vector<unsigned> notices = std::move(pendingNotices_);
+    pendingNotices_.clear();
+    for (unsigned id : notices) Prompts().Message(DialogParent(), Text(id), MsgIcon::Error);
 }
 
 void CRLDoc::InitTypeCell(Table table, int row) {

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <memory>
+#include <vector>
 
 #include "app/Document.h"
 #include "app/RLCoreOps.h"
@@ -26,6 +27,7 @@ public:
     bool OnNewDocument() override;
     bool OnOpenDocument(const QString& path) override;
     bool OnSaveDocument(const QString& path) override;
+    void OnViewsReady() override;
     std::unique_ptr<QWidget> CreateMainView() override;
     bool GetPrintText(QString& text) override;
     FileDialogSpec SaveAsSpec() const override;
@@ -78,6 +80,7 @@ private:
     void ChangeRowType(Table table, int row, const std::string& typeName);
     void ShowProblem(const ListProblem& problem);
 
+    std::vector<unsigned> pendingNotices_;
     bool textView_;
     int version_ = 5;
     bool readOnly_ = false;

@@ -126,14 +126,21 @@ CRecordTableView::CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QStri
     connect(&model, &QAbstractItemModel::rowsRemoved, this, &CRecordTableView::UpdateTitle);
     connect(&model, &QAbstractItemModel::modelReset, this, [this] {
         UpdateTitle();
-        doc_.RefreshHeadings(table_, grid_->currentIndex().row());
+        // A freshly loaded table starts on its first record, so its columns are titled at once.
+        if (!grid_->currentIndex().isValid() && doc_.Grid(table_).rowCount() > 0)
+            grid_->setCurrentIndex(doc_.Grid(table_).index(0, 0));
+        else
+            doc_.RefreshHeadings(table_, grid_->currentIndex().row());
     });
     connect(&doc, &CRLDoc::commitViews, grid_, &GridView::CommitPendingEdit);
     connect(&doc, &CRLDoc::focusCell, this, [this](CRLDoc::Table t, int column, int row) {
         if (t == table_) grid_->FocusCell(column, row);
     });
     UpdateTitle();
-    doc_.RefreshHeadings(table_, -1);
+    if (model.rowCount() > 0)
+        grid_->setCurrentIndex(model.index(0, 0));
+    else
+        doc_.RefreshHeadings(table_, -1);
 }
 
 void CRecordTableView::UpdateTitle() {

@@ -324,6 +324,7 @@ CDocument* CTessaryApp::OpenWithTemplate(CDocTemplate* tmpl, const QString& path
     CDocument* raw = doc.get();
     documents_.push_back(std::move(doc));
     if (frame_) frame_->AddDocumentWindow(*raw);
+    raw->OnViewsReady();
     emit documentsChanged();
     return raw;
 }

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QRegularExpressionValidator>
+#include <QTimer>
 #include <QUndoStack>
 #include <algorithm>
 #include <set>
@@ -39,6 +40,10 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
             emit self->commitData(combo);
             emit self->closeEditor(combo);
         });
+        // The list is what the user came for: open it straight away.
+        QTimer::singleShot(0, combo, [combo] {
+            if (combo->isVisible()) combo->showPopup();
+        });
         return combo;
     }
     auto* edit = qobject_cast<QLineEdit*>(QStyledItemDelegate::createEditor(parent, option, index));
@@ -60,7 +65,8 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&opt, index);
     const int arrow = std::min(opt.rect.height() - 6, 10);
     opt.rect.adjust(0, 0, -(arrow + 6), 0);
-    if (opt.text.isEmpty()) {
+    // Only the type cell asks to be chosen: other empty drop-downs are optional entries.
+    if (opt.text.isEmpty() && index.column() == 0) {
         opt.text = tr("(choose)");
         opt.palette.setColor(QPalette::Text, opt.palette.color(QPalette::PlaceholderText));
         opt.palette.setColor(QPalette::HighlightedText,
