@@ -315,11 +315,12 @@ bool CRLDoc::ConvertTo(int version) {
         return false;
     }
     if (version == version_ || version < kMinVersion || version > kMaxVersion) return false;
-    std::unique_ptr<CRLData> data = TakeValues();
-    if (!data) return false;
+    // The question comes first: a user who declines is not shown problems of the list.
     if (version < version_ &&
         !Prompts().Question(parent, QString::fromUtf8(kDataLossQuestion), MsgIcon::Warning))
         return false;
+    std::unique_ptr<CRLData> data = TakeValues();
+    if (!data) return false;
     ConversionOutcome outcome;
     try {
         outcome = ConvertListVersion(*data, version_, version);
