@@ -90,6 +90,19 @@ void ThrowJson(const std::string& field, const std::string& problem) {
     throw CDataException(DataError::InvalidSysTable, "(" + field + " " + problem + ")");
 }
 
+bool JsonWhole(const nlohmann::json& value, uint64_t& out) {
+    if (value.is_number_unsigned()) {
+        out = value.get<uint64_t>();
+        return true;
+    }
+    // Numbers built in code rather than parsed are signed even when they are not negative.
+    if (value.is_number_integer() && value.get<int64_t>() >= 0) {
+        out = static_cast<uint64_t>(value.get<int64_t>());
+        return true;
+    }
+    return false;
+}
+
 uint32_t JsonNumber(const nlohmann::json& in, const char* key, uint32_t max, bool required,
                     uint32_t fallback) {
     auto it = in.find(key);
@@ -97,11 +110,8 @@ uint32_t JsonNumber(const nlohmann::json& in, const char* key, uint32_t max, boo
         if (required) ThrowJson(key, "is missing");
         return fallback;
     }
-    if (!it->is_number_unsigned()) {
-        if (it->is_number_integer()) ThrowJson(key, "is negative");
-        ThrowJson(key, "is not a whole number");
-    }
-    const uint64_t value = it->get<uint64_t>();
+    uint64_t value = 0;
+    if (!JsonWhole(*it, value)) ThrowJson(key, "is not a whole number from 0");
     if (value > max) ThrowJson(key, "does not fit 0.." + std::to_string(max));
     return static_cast<uint32_t>(value);
 }

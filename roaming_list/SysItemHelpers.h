@@ -42,6 +42,8 @@ std::string Tab(const std::string& text);
 
 // JSON fields. A missing required field, a wrong JSON type or a value beyond `max` raises the
 // system table's data error naming the field.
+// A JSON value that is a whole number of at least 0.
+bool JsonWhole(const nlohmann::json& value, uint64_t& out);
 uint32_t JsonNumber(const nlohmann::json& in, const char* key, uint32_t max, bool required,
                     uint32_t fallback = 0);
 bool JsonBool(const nlohmann::json& in, const char* key, bool required, bool fallback = false);

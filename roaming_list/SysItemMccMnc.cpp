@@ -335,9 +335,10 @@ void CSysItemMccMnc::TypeFromJson(const nlohmann::json& in) {
         const auto& list = JsonArray(in, "sids", false);
         if (list.size() > kMaxSids) ThrowJson("sids", "holds more than 5 entries");
         for (const auto& sid : list) {
-            if (!sid.is_number_unsigned() || sid.get<uint64_t>() > 32767)
+            uint64_t value = 0;
+            if (!JsonWhole(sid, value) || value > 32767)
                 ThrowJson("sids", "holds an entry that is not a SID from 0 to 32767");
-            sids.push_back(static_cast<uint16_t>(sid.get<uint64_t>()));
+            sids.push_back(static_cast<uint16_t>(value));
         }
     } else if (subtype == kSidNid) {
         const auto& list = JsonArray(in, "sidNidPairs", false);

@@ -257,9 +257,10 @@ void CSysItemPlmn::TypeFromJson(const nlohmann::json& in) {
         ThrowJson("lacs", "holds " + std::to_string(lacs.size()) + " entries, allowed " +
                               (type == kSingleLac ? std::string("1") : "0.." + std::to_string(most)));
     for (const auto& lac : lacs) {
-        if (!lac.is_number_unsigned() || lac.get<uint64_t>() > 0xFFFF)
+        uint64_t value = 0;
+        if (!JsonWhole(lac, value) || value > 0xFFFF)
             ThrowJson("lacs", "holds an entry that is not a number from 0 to 65535");
-        lacs_.push_back(static_cast<uint16_t>(lac.get<uint64_t>()));
+        lacs_.push_back(static_cast<uint16_t>(value));
     }
 }
 
