@@ -29,7 +29,9 @@ constexpr int kColDataAssn = 9;
 // The bits the read helper has already taken in front of a long-framing record.
 constexpr uint32_t kLengthAndTypeBits = 9;
 
-uint32_t FillBits(uint32_t bits) { return (8 - bits % 8) % 8; }
+uint32_t FillBits(uint32_t bits) {
+    return (8 - bits % 8) % 8;
+}
 
 }  // namespace
 
@@ -131,7 +133,9 @@ uint32_t CSysItem::CommonLongBits() const {
     return kLengthAndTypeBits + 12 + (IsPreferred() ? 8u : 0u) + 1 + (assnIncl_ == 1 ? 10u : 0u);
 }
 
-uint32_t CSysItem::LongFramingBits() const { return CommonLongBits() + TypeFieldBits(); }
+uint32_t CSysItem::LongFramingBits() const {
+    return CommonLongBits() + TypeFieldBits();
+}
 
 bool CSysItem::CommonIsValid() const {
     return negPref_ <= 1 && geo_ <= 1 && priority_ <= 1 && acqIndex_ <= kMaxAcqIndex &&
@@ -178,7 +182,8 @@ void CSysItem::ReadFromGrid(const Grid& grid, int row, const GridContext& contex
     if (IsMissing(indexText) || !ParseUnsigned(indexText, index))
         ThrowGrid(Msg::RequiredValueMissing, kColAcqIndex, row);
     if (context.acqTable != nullptr) {
-        if (index >= context.acqTable->GetSize()) ThrowGrid(Msg::InvalidAcqIndex, kColAcqIndex, row);
+        if (index >= context.acqTable->GetSize())
+            ThrowGrid(Msg::InvalidAcqIndex, kColAcqIndex, row);
     } else if (index > kMaxAcqIndex) {
         ThrowRange(kColAcqIndex, row, 0, kMaxAcqIndex);
     }
@@ -202,7 +207,7 @@ void CSysItem::ReadFromGrid(const Grid& grid, int row, const GridContext& contex
     ReadTypeFromGrid(grid, row, context);
 }
 
-void CSysItem::CheckAcqType(int row, const GridContext& context, const std::string&) const {
+void CSysItem::CheckAcqType(int row, const GridContext& context) const {
     if (context.acqTable == nullptr || acqIndex_ >= context.acqTable->GetSize()) return;
     const auto* acq = dynamic_cast<const CAcqItem*>(context.acqTable->GetAt(acqIndex_));
     if (acq == nullptr) return;
@@ -215,13 +220,15 @@ void CSysItem::CheckAcqType(int row, const GridContext& context, const std::stri
 
 bool CSysItem::OnGridHeading(Grid& grid, int event) const {
     if (event != kGridHeadingEvent) return true;
-    static const char* const kCommon[] = {"Neg/Pref",       "Geography", "Priority",
-                                          "Acq Index",      "Roam Indicator", "Assn Incl",
-                                          "Assn Tag",       "PN Assn",   "Data Assn"};
+    static const char* const kCommon[] = {"Neg/Pref",  "Geography",      "Priority",
+                                          "Acq Index", "Roam Indicator", "Assn Incl",
+                                          "Assn Tag",  "PN Assn",        "Data Assn"};
     for (int column = 1; column < kFirstTypeColumn; ++column)
-        grid.SetColumnHeading(column, version_ >= 3 || column < kColAssnIncl ? kCommon[column - 1] : "");
+        grid.SetColumnHeading(column,
+                              version_ >= 3 || column < kColAssnIncl ? kCommon[column - 1] : "");
     const std::vector<std::string> own = TypeHeadings();
-    const int last = std::max<int>(grid.GetColumnCount(), kFirstTypeColumn + static_cast<int>(own.size()));
+    const int last =
+        std::max<int>(grid.GetColumnCount(), kFirstTypeColumn + static_cast<int>(own.size()));
     for (int column = kFirstTypeColumn; column < last; ++column) {
         const size_t i = static_cast<size_t>(column - kFirstTypeColumn);
         grid.SetColumnHeading(column, i < own.size() ? own[i] : std::string());
@@ -232,11 +239,14 @@ bool CSysItem::OnGridHeading(Grid& grid, int event) const {
 // ---------------------------------------------------------------------------------------------
 // Text
 
-size_t CSysItem::CommonTokenCount() const { return version_ >= 3 ? 9 : 5; }
+size_t CSysItem::CommonTokenCount() const {
+    return version_ >= 3 ? 9 : 5;
+}
 
 std::string CSysItem::ToText() const {
     const auto& names = CRLNameTables::Instance();
-    std::string text = Tab(names.NegPref().GetName(negPref_)) + Tab(names.Geography().GetName(geo_)) +
+    std::string text = Tab(names.NegPref().GetName(negPref_)) +
+                       Tab(names.Geography().GetName(geo_)) +
                        Tab(names.Priority().GetName(priority_)) + Tab(acqIndex_) + Tab(roamInd_);
     if (version_ >= 3) {
         text += Tab(names.AssnIncluded().GetName(assnIncl_)) + Tab(assnTag_) +

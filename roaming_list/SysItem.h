@@ -113,7 +113,7 @@ protected:
     // Whether the record may point at an acquisition record of `acqType`; on refusal the
     // message to show. Type 253 is accepted before this is asked.
     virtual bool AcceptsAcqType(int acqType, unsigned& refusal) const = 0;
-    void CheckAcqType(int row, const GridContext& context, const std::string& table) const;
+    void CheckAcqType(int row, const GridContext& context) const;
 
     // Text: the type's fields, each tab-terminated; and the tokens that follow the common ones.
     virtual std::string TypeToText() const = 0;

@@ -18,7 +18,9 @@ std::string CellText(const Grid& grid, int column, int row) {
     return text.substr(first, last - first + 1);
 }
 
-bool IsMissing(const std::string& text) { return text.empty() || text == kBadValue; }
+bool IsMissing(const std::string& text) {
+    return text.empty() || text == kBadValue;
+}
 
 bool ParseUnsigned(const std::string& text, uint32_t& value) {
     if (text.empty()) return false;
@@ -43,7 +45,8 @@ void ThrowRange(int column, int row, long long low, long long high) {
 uint32_t GridNumber(const Grid& grid, int column, int row, uint32_t low, uint32_t high) {
     const std::string text = CellText(grid, column, row);
     uint32_t value = 0;
-    if (IsMissing(text) || !ParseUnsigned(text, value)) ThrowGrid(Msg::RequiredValueMissing, column, row);
+    if (IsMissing(text) || !ParseUnsigned(text, value))
+        ThrowGrid(Msg::RequiredValueMissing, column, row);
     if (value < low || value > high) ThrowRange(column, row, low, high);
     return value;
 }
@@ -81,10 +84,16 @@ uint32_t TextNumber(const std::string& token, uint32_t max, const char* field) {
     return value;
 }
 
-int TextName(const std::string& token, const CNameList& list) { return list.GetValue(token); }
+int TextName(const std::string& token, const CNameList& list) {
+    return list.GetValue(token);
+}
 
-std::string Tab(uint32_t value) { return std::to_string(value) + "\t"; }
-std::string Tab(const std::string& text) { return text + "\t"; }
+std::string Tab(uint32_t value) {
+    return std::to_string(value) + "\t";
+}
+std::string Tab(const std::string& text) {
+    return text + "\t";
+}
 
 void ThrowJson(const std::string& field, const std::string& problem) {
     throw CDataException(DataError::InvalidSysTable, "(" + field + " " + problem + ")");
@@ -176,7 +185,9 @@ bool ParseDigits(const std::string& text, size_t minCount, Digits& digits, bool 
     return true;
 }
 
-char DigitChar(uint8_t d) { return "0123456789ABCDEF"[d & 0xF]; }
+char DigitChar(uint8_t d) {
+    return "0123456789ABCDEF"[d & 0xF];
+}
 
 }  // namespace
 

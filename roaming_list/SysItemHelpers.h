@@ -66,7 +66,7 @@ bool ParseMccLoose(const std::string& text, Digits& digits);
 bool ParseMncLoose(const std::string& text, Digits& digits);
 std::string FormatMcc(const Digits& digits);
 std::string FormatMnc(const Digits& digits);
-uint32_t PackDigits(const Digits& digits);      // hundreds first, 12 bits
+uint32_t PackDigits(const Digits& digits);  // hundreds first, 12 bits
 Digits UnpackDigits(uint32_t value);
 
 }  // namespace SysFields

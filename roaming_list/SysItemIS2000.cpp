@@ -16,7 +16,9 @@ namespace {
 constexpr int kColSid = CSysItem::kFirstTypeColumn;
 constexpr int kColNid = CSysItem::kFirstTypeColumn + 1;
 
-uint16_t ImpliedNid(unsigned incl) { return incl == 2 ? 0 : 65535; }
+uint16_t ImpliedNid(unsigned incl) {
+    return incl == 2 ? 0 : 65535;
+}
 
 bool IsMccSid(unsigned sid) {
     return sid == CSysItemIS2000::kMccSid || sid == CSysItemIS2000::kMccSidHigh;
@@ -112,7 +114,9 @@ uint32_t CSysItemIS2000::WriteShort(CRLFile& file) const {
     return bits;
 }
 
-uint32_t CSysItemIS2000::ReadTypeFields(CRLFile& file) { return ReadIds(file, true); }
+uint32_t CSysItemIS2000::ReadTypeFields(CRLFile& file) {
+    return ReadIds(file, true);
+}
 
 uint32_t CSysItemIS2000::WriteTypeFields(CRLFile& file) const {
     const Ids ids = FileIds();
@@ -124,9 +128,13 @@ uint32_t CSysItemIS2000::WriteTypeFields(CRLFile& file) const {
     return 34;
 }
 
-uint32_t CSysItemIS2000::TypeFieldBits() const { return FileIds().nidIncl == 1 ? 34 : 18; }
+uint32_t CSysItemIS2000::TypeFieldBits() const {
+    return FileIds().nidIncl == 1 ? 34 : 18;
+}
 
-bool CSysItemIS2000::TypeIsValid() const { return sid_ <= kMaxSid && nidIncl_ < 3; }
+bool CSysItemIS2000::TypeIsValid() const {
+    return sid_ <= kMaxSid && nidIncl_ < 3;
+}
 
 void CSysItemIS2000::WriteTypeToGrid(Grid& grid, int row) const {
     PutNumber(grid, kColSid, row, sid_, "99999");
@@ -134,7 +142,7 @@ void CSysItemIS2000::WriteTypeToGrid(Grid& grid, int row) const {
 }
 
 void CSysItemIS2000::ReadTypeFromGrid(const Grid& grid, int row, const GridContext& context) {
-    CheckAcqType(row, context, TableName());
+    CheckAcqType(row, context);
     const std::string sidText = CellText(grid, kColSid, row);
     uint32_t sid = 0;
     if (IsMissing(sidText) || !ParseUnsigned(sidText, sid))
@@ -145,14 +153,18 @@ void CSysItemIS2000::ReadTypeFromGrid(const Grid& grid, int row, const GridConte
     TakeNid(GridNumber(grid, kColNid, row, 0, 65535));
 }
 
-std::vector<std::string> CSysItemIS2000::TypeHeadings() const { return {"SID", "NID"}; }
+std::vector<std::string> CSysItemIS2000::TypeHeadings() const {
+    return {"SID", "NID"};
+}
 
 bool CSysItemIS2000::AcceptsAcqType(int acqType, unsigned& refusal) const {
     refusal = Msg::AcqIndexIs2000;
     return acqType >= 1 && acqType <= 10;
 }
 
-std::string CSysItemIS2000::TypeToText() const { return Tab(sid_) + Tab(nid_) + Tab(nidIncl_); }
+std::string CSysItemIS2000::TypeToText() const {
+    return Tab(sid_) + Tab(nid_) + Tab(nidIncl_);
+}
 
 void CSysItemIS2000::TypeFromText(const std::vector<std::string>& tokens) {
     if (tokens.size() != 2 && tokens.size() != 3)
@@ -248,7 +260,9 @@ uint32_t CSysItemIS2000Mcc::ReadTypeFields(CRLFile& file) {
     return bits;
 }
 
-bool CSysItemIS2000Mcc::TypeIsValid() const { return mcc_ <= 999 && imsi_ <= 99; }
+bool CSysItemIS2000Mcc::TypeIsValid() const {
+    return mcc_ <= 999 && imsi_ <= 99;
+}
 
 void CSysItemIS2000Mcc::WriteTypeToGrid(Grid& grid, int row) const {
     char mcc[8];
@@ -271,7 +285,7 @@ bool AllDigits(const std::string& text, size_t count) {
 }  // namespace
 
 void CSysItemIS2000Mcc::ReadTypeFromGrid(const Grid& grid, int row, const GridContext& context) {
-    CheckAcqType(row, context, TableName());
+    CheckAcqType(row, context);
     const std::string mcc = CellText(grid, kColSid, row);
     if (IsMissing(mcc)) ThrowGrid(Msg::RequiredValueMissing, kColSid, row);
     if (!AllDigits(mcc, 3)) ThrowGrid(Msg::InvalidMcc, kColSid, row);
@@ -282,9 +296,13 @@ void CSysItemIS2000Mcc::ReadTypeFromGrid(const Grid& grid, int row, const GridCo
     imsi_ = static_cast<uint8_t>(std::stoi(imsi));
 }
 
-std::vector<std::string> CSysItemIS2000Mcc::TypeHeadings() const { return {"MCC", "IMSI_11_12"}; }
+std::vector<std::string> CSysItemIS2000Mcc::TypeHeadings() const {
+    return {"MCC", "IMSI_11_12"};
+}
 
-std::string CSysItemIS2000Mcc::TypeToText() const { return Tab(mcc_) + Tab(imsi_); }
+std::string CSysItemIS2000Mcc::TypeToText() const {
+    return Tab(mcc_) + Tab(imsi_);
+}
 
 void CSysItemIS2000Mcc::TypeFromText(const std::vector<std::string>& tokens) {
     if (tokens.size() != 2) ThrowText("a 1x-MCC system record takes MCC and IMSI_11_12");

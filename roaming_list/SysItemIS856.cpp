@@ -58,7 +58,7 @@ void CSysItemIS856::WriteTypeToGrid(Grid& grid, int row) const {
 }
 
 void CSysItemIS856::ReadTypeFromGrid(const Grid& grid, int row, const GridContext& context) {
-    CheckAcqType(row, context, TableName());
+    CheckAcqType(row, context);
     const std::string text = CellText(grid, kColSubnet, row);
     if (IsMissing(text)) ThrowGrid(Msg::RequiredValueMissing, kColSubnet, row);
     CSubnetId subnet;
@@ -98,9 +98,10 @@ void CSysItemIS856::TypeFromText(const std::vector<std::string>& tokens) {
         throw CDataException(DataError::InvalidSubnetId, "(\"" + tokens[0] + "\")");
     subnet_ = subnet;
     commonIncluded_ = tokens.size() == 2;
-    commonOffset_ = commonIncluded_
-                        ? static_cast<uint16_t>(TextNumber(tokens[1], kMaxCommonOffset, "common subnet offset"))
-                        : 0;
+    commonOffset_ =
+        commonIncluded_
+            ? static_cast<uint16_t>(TextNumber(tokens[1], kMaxCommonOffset, "common subnet offset"))
+            : 0;
 }
 
 void CSysItemIS856::TypeToJson(nlohmann::json& out) const {
@@ -115,7 +116,8 @@ void CSysItemIS856::TypeFromJson(const nlohmann::json& in) {
     if (CSubnetId::FromText(text, subnet) != CSubnetId::Parse::Ok)
         ThrowJson("subnet", "\"" + text + "\" is not an IPv6 address/length up to 127");
     commonIncluded_ = JsonBool(in, "subnetCommonIncluded", false);
-    commonOffset_ = static_cast<uint16_t>(JsonNumber(in, "subnetCommonOffset", kMaxCommonOffset, false));
+    commonOffset_ =
+        static_cast<uint16_t>(JsonNumber(in, "subnetCommonOffset", kMaxCommonOffset, false));
     if (!commonIncluded_) commonOffset_ = 0;
     subnet_ = subnet;
 }

@@ -106,7 +106,8 @@ uint32_t CSysItemMccMnc::WriteTypeFields(CRLFile& file) const {
 
 uint32_t CSysItemMccMnc::TypeFieldBits() const {
     uint32_t bits = 27;
-    if (HasSids(subtype_)) bits += 8 + static_cast<uint32_t>(sids_.size()) * (subtype_ == kSidNid ? 32 : 16);
+    if (HasSids(subtype_))
+        bits += 8 + static_cast<uint32_t>(sids_.size()) * (subtype_ == kSidNid ? 32 : 16);
     if (subtype_ == kSubnet) {
         bits += 8;
         for (const auto& subnet : subnets_) bits += 8 + subnet.length;
@@ -133,8 +134,9 @@ bool CSysItemMccMnc::TypeIsValid() const {
 void CSysItemMccMnc::WriteTypeToGrid(Grid& grid, int row) const {
     const auto& subtypes = CRLNameTables::Instance().MccMncSubtype();
     grid.SetCellDropDown(kColSubtype, row, subtypes.Choices());
-    grid.SetCellText(kColSubtype, row,
-                     subtypes.HasValue(subtype_) ? subtypes.GetName(subtype_) : std::to_string(subtype_));
+    grid.SetCellText(
+        kColSubtype, row,
+        subtypes.HasValue(subtype_) ? subtypes.GetName(subtype_) : std::to_string(subtype_));
     PutText(grid, kColMcc, row, FormatMcc(mcc_), "999");
     PutText(grid, kColMnc, row, FormatMnc(mnc_));
     if (subtype_ == kMccMncOnly || subtype_ > kSubnet) return;
@@ -143,7 +145,8 @@ void CSysItemMccMnc::WriteTypeToGrid(Grid& grid, int row) const {
     if (HasSids(subtype_)) {
         for (size_t i = 0; i < sids_.size(); ++i) {
             PutNumber(grid, column++, row, sids_[i], "99999");
-            if (subtype_ == kSidNid) PutNumber(grid, column++, row, i < nids_.size() ? nids_[i] : 0u, "99999");
+            if (subtype_ == kSidNid)
+                PutNumber(grid, column++, row, i < nids_.size() ? nids_[i] : 0u, "99999");
         }
     } else {
         for (const auto& subnet : subnets_) PutText(grid, column++, row, subnet.ToText());
@@ -162,7 +165,7 @@ void CSysItemMccMnc::ReadTypeFromGrid(const Grid& grid, int row, const GridConte
         subtype = static_cast<int>(code);
     }
     subtype_ = static_cast<uint8_t>(subtype);
-    CheckAcqType(row, context, TableName());
+    CheckAcqType(row, context);
 
     const std::string mcc = CellText(grid, kColMcc, row);
     if (IsMissing(mcc)) ThrowGrid(Msg::RequiredValueMissing, kColMcc, row);
@@ -232,7 +235,8 @@ std::vector<std::string> CSysItemMccMnc::TypeHeadings() const {
         }
     } else if (subtype_ == kSubnet) {
         headings.push_back("Num Subnets");
-        for (unsigned i = 1; i <= kMaxSubnets; ++i) headings.push_back("Subnet " + std::to_string(i));
+        for (unsigned i = 1; i <= kMaxSubnets; ++i)
+            headings.push_back("Subnet " + std::to_string(i));
     }
     return headings;
 }
@@ -291,7 +295,8 @@ void CSysItemMccMnc::TypeFromText(const std::vector<std::string>& tokens) {
                 continue;
             }
             sids.push_back(static_cast<uint16_t>(TextNumber(tokens[t++], 32767, "SID")));
-            if (subtype == kSidNid) nids.push_back(static_cast<uint16_t>(TextNumber(tokens[t++], 65535, "NID")));
+            if (subtype == kSidNid)
+                nids.push_back(static_cast<uint16_t>(TextNumber(tokens[t++], 65535, "NID")));
         }
     }
     subtype_ = static_cast<uint8_t>(subtype);
@@ -327,7 +332,8 @@ void CSysItemMccMnc::TypeFromJson(const nlohmann::json& in) {
     const std::string mccText = JsonString(in, "mcc", true);
     if (!ParseMccLoose(mccText, mcc)) ThrowJson("mcc", "\"" + mccText + "\" is not three digits");
     const std::string mncText = JsonString(in, "mnc", true);
-    if (!ParseMncLoose(mncText, mnc)) ThrowJson("mnc", "\"" + mncText + "\" is not two or three digits");
+    if (!ParseMncLoose(mncText, mnc))
+        ThrowJson("mnc", "\"" + mncText + "\" is not two or three digits");
     std::vector<uint16_t> sids;
     std::vector<uint16_t> nids;
     std::vector<CSubnetId> subnets;

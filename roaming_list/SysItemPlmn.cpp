@@ -55,7 +55,8 @@ uint32_t CSysItemPlmn::ReadTypeFields(CRLFile& file) {
         file.ReadBits(3);  // reserved
         const unsigned count = file.ReadBits(4);
         bits += 7;
-        for (unsigned i = 0; i < count; ++i) lacs_.push_back(static_cast<uint16_t>(file.ReadBits(16)));
+        for (unsigned i = 0; i < count; ++i)
+            lacs_.push_back(static_cast<uint16_t>(file.ReadBits(16)));
         bits += 16 * count;
     }
     return bits;
@@ -134,7 +135,7 @@ void CSysItemPlmn::WriteTypeToGrid(Grid& grid, int row) const {
 
 void CSysItemPlmn::ReadTypeFromGrid(const Grid& grid, int row, const GridContext& context) {
     const auto& names = CRLNameTables::Instance();
-    CheckAcqType(row, context, TableName());
+    CheckAcqType(row, context);
     plmnType_ = static_cast<uint8_t>(GridName(grid, kColType, row, names.PlmnType()));
     if (plmnType_ == kSelectMode) {
         plmnSelect_ = static_cast<uint8_t>(GridName(grid, kColSelect, row, names.PlmnSelect()));
@@ -208,7 +209,8 @@ void CSysItemPlmn::TypeFromText(const std::vector<std::string>& tokens) {
         expected = 5 + TextNumber(tokens[4], kMaxLacCount, "LAC count");
     }
     if (tokens.size() != expected)
-        ThrowText("a PLMN system record of this type takes " + std::to_string(expected) + " fields");
+        ThrowText("a PLMN system record of this type takes " + std::to_string(expected) +
+                  " fields");
     plmnType_ = static_cast<uint8_t>(type);
     lacs_.clear();
     if (type == kSelectMode) {
@@ -218,7 +220,8 @@ void CSysItemPlmn::TypeFromText(const std::vector<std::string>& tokens) {
     if (!ParseMccLoose(tokens[1], mcc_)) ThrowText("MCC \"" + tokens[1] + "\"");
     if (!ParseMncLoose(tokens[2], mnc_)) ThrowText("MNC \"" + tokens[2] + "\"");
     netSel_ = static_cast<uint8_t>(TextName(tokens[3], names.NetSelMode()));
-    if (type == kSingleLac) lacs_.push_back(static_cast<uint16_t>(TextNumber(tokens[4], 0xFFFF, "LAC")));
+    if (type == kSingleLac)
+        lacs_.push_back(static_cast<uint16_t>(TextNumber(tokens[4], 0xFFFF, "LAC")));
     if (type == kMultiLac)
         for (size_t i = 5; i < tokens.size(); ++i)
             lacs_.push_back(static_cast<uint16_t>(TextNumber(tokens[i], 0xFFFF, "LAC")));
@@ -254,8 +257,9 @@ void CSysItemPlmn::TypeFromJson(const nlohmann::json& in) {
     const auto& lacs = JsonArray(in, "lacs", type == kSingleLac);
     const size_t most = type == kSingleLac ? 1 : kMaxLacCount;
     if ((type == kSingleLac && lacs.size() != 1) || lacs.size() > most)
-        ThrowJson("lacs", "holds " + std::to_string(lacs.size()) + " entries, allowed " +
-                              (type == kSingleLac ? std::string("1") : "0.." + std::to_string(most)));
+        ThrowJson("lacs",
+                  "holds " + std::to_string(lacs.size()) + " entries, allowed " +
+                      (type == kSingleLac ? std::string("1") : "0.." + std::to_string(most)));
     for (const auto& lac : lacs) {
         uint64_t value = 0;
         if (!JsonWhole(lac, value) || value > 0xFFFF)

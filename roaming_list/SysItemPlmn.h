@@ -9,8 +9,15 @@
 namespace Tarn {
 
 // Long framing only; the type's fields:
-//   | PLMN type | PLMN select  | PLMN            | LAC           | net sel mode | reserved  | LAC count | LACs        |
-//   | 3         | 2 if type 0  | 24 unless type 0| 16 if type 2  | 1 unless 0   | 3 if type 3| 4 if type 3| 16 each (3) |
+//   | field                  | bits | present                  |
+//   | PLMN type              | 3    | always                   |
+//   | PLMN select            | 2    | type 0 only              |
+//   | PLMN                   | 24   | types 1..3               |
+//   | LAC                    | 16   | type 2                   |
+//   | network selection mode | 1    | types 1..3               |
+//   | reserved               | 3    | type 3                   |
+//   | LAC count              | 4    | type 3                   |
+//   | LACs                   | 16   | type 3, one per LAC      |
 // Type 0 ("Select Mode") ends after the PLMN select. The PLMN is three octets in the usual
 // 3GPP order, one BCD digit per nibble:
 //   | octet 1     | octet 2     | octet 3     |

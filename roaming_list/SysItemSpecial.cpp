@@ -20,13 +20,16 @@ constexpr unsigned kFreshOctets = 3;
 }  // namespace
 
 CSysItemSpecial::CSysItemSpecial(uint8_t type, unsigned lengthOctets)
-    : type_(type), length_(static_cast<uint8_t>(lengthOctets > kMaxRecordOctets ? 0 : lengthOctets)) {}
+    : type_(type),
+      length_(static_cast<uint8_t>(lengthOctets > kMaxRecordOctets ? 0 : lengthOctets)) {}
 
 std::unique_ptr<CRLItem> CSysItemSpecial::Clone() const {
     return std::make_unique<CSysItemSpecial>(*this);
 }
 
-bool CSysItemSpecial::IsValid() const { return CommonIsValid() && length_ <= kMaxRecordOctets; }
+bool CSysItemSpecial::IsValid() const {
+    return CommonIsValid() && length_ <= kMaxRecordOctets;
+}
 
 uint32_t CSysItemSpecial::LongFramingBits() const {
     return 8u * (length_ == 0 ? kFreshOctets : length_);
@@ -42,7 +45,8 @@ uint32_t CSysItemSpecial::ReadTypeFields(CRLFile& file) {
     if (length_ < 2)
         throw CDataException(DataError::InvalidSysTable,
                              "(a system record of type " + std::to_string(type_) + " is " +
-                                 std::to_string(length_) + " octets long, shorter than its own header)");
+                                 std::to_string(length_) +
+                                 " octets long, shorter than its own header)");
     data_.assign(length_ - 1u, 0);
     for (size_t i = 0; i + 1 < data_.size(); ++i) data_[i] = static_cast<uint8_t>(file.ReadBits(8));
     data_.back() = static_cast<uint8_t>(file.ReadBits(7) << 1);
@@ -62,8 +66,8 @@ void CSysItemSpecial::TakeCommonFromData() {
 std::vector<uint8_t> CSysItemSpecial::GetData() const {
     std::vector<uint8_t> data = data_;
     if (length_ >= kFreshOctets && data.size() >= 2) {
-        const unsigned head = ((negPref_ & 1u) << 11) | ((geo_ & 1u) << 10) | ((priority_ & 1u) << 9) |
-                              (acqIndex_ & 0x1FFu);
+        const unsigned head = ((negPref_ & 1u) << 11) | ((geo_ & 1u) << 10) |
+                              ((priority_ & 1u) << 9) | (acqIndex_ & 0x1FFu);
         data[0] = static_cast<uint8_t>(head >> 4);
         data[1] = static_cast<uint8_t>((data[1] & 0x0Fu) | ((head & 0xFu) << 4));
     }
@@ -99,10 +103,12 @@ void CSysItemSpecial::WriteTypeToGrid(Grid& grid, int row) const {
 
 void CSysItemSpecial::ReadTypeFromGrid(const Grid&, int row, const GridContext& context) {
     // The data length is the record's own; the cell only shows it.
-    CheckAcqType(row, context, TableName());
+    CheckAcqType(row, context);
 }
 
-std::vector<std::string> CSysItemSpecial::TypeHeadings() const { return {"Data Length"}; }
+std::vector<std::string> CSysItemSpecial::TypeHeadings() const {
+    return {"Data Length"};
+}
 
 bool CSysItemSpecial::AcceptsAcqType(int acqType, unsigned& refusal) const {
     refusal = Msg::AcqIndexUndefined;
@@ -160,7 +166,8 @@ void CSysItemSpecial::TypeToJson(nlohmann::json& out) const {
 void CSysItemSpecial::TypeFromJson(const nlohmann::json& in) {
     const unsigned length = JsonNumber(in, "length", kMaxRecordOctets, true);
     const std::string hex = JsonString(in, "data", false);
-    if (!TakeHex(length, hex)) ThrowJson("data", "does not fill a record of " + std::to_string(length) + " octets");
+    if (!TakeHex(length, hex))
+        ThrowJson("data", "does not fill a record of " + std::to_string(length) + " octets");
 }
 
 }  // namespace Tarn

@@ -131,7 +131,8 @@ std::string FormatIpv6(const std::array<uint16_t, 8>& words) {
             continue;
         }
         if (!text.empty() && text.back() != ':') text += ':';
-        std::snprintf(group, sizeof group, "%x", static_cast<unsigned>(words[static_cast<size_t>(i)]));
+        std::snprintf(group, sizeof group, "%x",
+                      static_cast<unsigned>(words[static_cast<size_t>(i)]));
         text += group;
     }
     return text;
@@ -167,7 +168,9 @@ CSubnetId::Parse CSubnetId::FromText(const std::string& text, CSubnetId& out) {
     return Parse::Ok;
 }
 
-std::string CSubnetId::ToText() const { return FormatIpv6(words) + "/" + std::to_string(length); }
+std::string CSubnetId::ToText() const {
+    return FormatIpv6(words) + "/" + std::to_string(length);
+}
 
 uint32_t CSubnetId::ReadBits(CRLFile& file, unsigned bitCount) {
     words.fill(0);

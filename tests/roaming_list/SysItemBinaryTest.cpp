@@ -242,10 +242,9 @@ TEST(SysItemBinary, FactoryOffersTheTypesOfEachVersion) {
         bool made;
     };
     const std::vector<Case> cases = {
-        {1, 0, 0, true},   {2, 1, 0, false},  {2, 7, 3, false}, {3, 1, 3, true},
-        {3, 2, 3, false},  {3, 3, 3, false},  {3, 4, 3, true},  {3, 15, 3, true},
-        {4, 2, 3, true},   {5, 3, 3, true},   {5, 14, 3, false}, {5, 14, 0, true},
-        {1, 14, 0, true},  {5, 16, 3, false}, {5, -1, 3, false},
+        {1, 0, 0, true},   {2, 1, 0, false}, {2, 7, 3, false}, {3, 1, 3, true},   {3, 2, 3, false},
+        {3, 3, 3, false},  {3, 4, 3, true},  {3, 15, 3, true}, {4, 2, 3, true},   {5, 3, 3, true},
+        {5, 14, 3, false}, {5, 14, 0, true}, {1, 14, 0, true}, {5, 16, 3, false}, {5, -1, 3, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::to_string(c.version) + "/" + std::to_string(c.type));

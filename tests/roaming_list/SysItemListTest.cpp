@@ -19,11 +19,19 @@ TEST(SysItemList, ListsAreDetectedByTheRecordTypesTheyHold) {
         int detectedAs;
     };
     const std::vector<Case> cases = {
-        {1, {"short preferred, NID not stored", "short negative, NID stored", "1x-MCC in the short framing"}, 1},
+        {1,
+         {"short preferred, NID not stored", "short negative, NID stored",
+          "1x-MCC in the short framing"},
+         1},
         {2, {"short negative, NID stored"}, 1},
-        {3, {"long IS-2000, no association: length 6, no fill", "IS-856 subnet",
-             "1x-MCC with NID not stored keeps its odd identifiers", "undefined type 15 of two octets"}, 3},
-        {4, {"PLMN multi LAC, negative", "MCC-MNC SID/NID with association", "PLMN select mode"}, 4},
+        {3,
+         {"long IS-2000, no association: length 6, no fill", "IS-856 subnet",
+          "1x-MCC with NID not stored keeps its odd identifiers",
+          "undefined type 15 of two octets"},
+         3},
+        {4,
+         {"PLMN multi LAC, negative", "MCC-MNC SID/NID with association", "PLMN select mode"},
+         4},
         {5, {"MCC-MNC subnet", "undefined type 7 keeps its octets"}, 4},
     };
     for (const auto& c : cases) {

@@ -64,7 +64,8 @@ TEST(SysItemText, FieldsAreTabTerminatedInTheirOrder) {
         {"IS-856 with common offset and a 7-bit subnet",
          "Pref\tSame\tSame\t1\t9\tNo\t0\tNo\tNo\ta00::/7\t2748\t"},
         {"1x-MCC in the short framing", "Pref\tNew\tSame\t0\t1\t532\t5\t"},
-        {"undefined type 7 keeps its octets", "Pref\tNew\tSame\t18\t0\tNo\t0\tNo\tNo\t5\t81245670\t"},
+        {"undefined type 7 keeps its octets",
+         "Pref\tNew\tSame\t18\t0\tNo\t0\tNo\tNo\t5\t81245670\t"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.sample);
@@ -83,7 +84,8 @@ TEST(SysItemText, MalformedLinesRaiseDataErrors) {
     const std::vector<Case> cases = {
         {"too few fields", 0, 1, "Pref\tNew\t", 10},
         {"too many fields", 0, 1, "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t9\t", 10},
-        {"association fields missing in IS-683C", 0, 3, "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t9\t", 18},
+        {"association fields missing in IS-683C", 0, 3, "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t9\t",
+         18},
         {"unknown neg/pref", 0, 1, "Maybe\tNew\tMore\t3\t1\t1\t65535\t0\t", 12},
         {"acquisition index beyond 9 bits", 0, 1, "Pref\tNew\tMore\t512\t1\t1\t65535\t0\t", 10},
         {"SID beyond 15 bits", 0, 1, "Pref\tNew\tMore\t3\t1\t40000\t65535\t0\t", 10},
@@ -95,8 +97,10 @@ TEST(SysItemText, MalformedLinesRaiseDataErrors) {
         {"unknown network selection mode", 2, 4,
          "Neg\tNew\tSame\t4\t0\tNo\t0\tNo\tNo\tPLMN Only\t310\t410\tAuto\t", 24},
         {"bad IS-856 subnet", 1, 3, "Pref\tNew\tSame\t1\t9\tNo\t0\tNo\tNo\tzz/7\t", 21},
-        {"bad MCC-MNC subnet", 3, 5, "Pref\tNew\tSame\t1\t9\tNo\t0\tNo\tNo\t3\t123\t45\t1\tzz\t", 21},
-        {"undefined record data of the wrong size", 7, 5, "Pref\tNew\tSame\t1\t0\tNo\t0\tNo\tNo\t4\tAB\t", 10},
+        {"bad MCC-MNC subnet", 3, 5, "Pref\tNew\tSame\t1\t9\tNo\t0\tNo\tNo\t3\t123\t45\t1\tzz\t",
+         21},
+        {"undefined record data of the wrong size", 7, 5,
+         "Pref\tNew\tSame\t1\t0\tNo\t0\tNo\tNo\t4\tAB\t", 10},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -126,10 +130,10 @@ TEST(SysItemJson, KeysAndNamesOfAShortRecord) {
     auto item = SysSamples::ReadSample(Find("short preferred, NID not stored"));
     json out = json::object();
     item->ToJson(out);
-    const json expected = {{"negPref", 1},   {"negPrefName", "Pref"}, {"geography", 0},
-                           {"geographyName", "New"}, {"priority", 1}, {"priorityName", "More"},
-                           {"acqIndex", 3},  {"roamInd", 1},          {"sid", 1},
-                           {"nidIncl", 0},   {"nid", 65535}};
+    const json expected = {
+        {"negPref", 1},  {"negPrefName", "Pref"},  {"geography", 0}, {"geographyName", "New"},
+        {"priority", 1}, {"priorityName", "More"}, {"acqIndex", 3},  {"roamInd", 1},
+        {"sid", 1},      {"nidIncl", 0},           {"nid", 65535}};
     EXPECT_EQ(out, expected);
 }
 
@@ -149,21 +153,53 @@ TEST(SysItemJson, BadFieldsRaiseTheSystemTableError) {
         {"sid too large", 0, {{"negPref", 1}, {"acqIndex", 3}, {"sid", 40000}}, "sid"},
         {"negative index", 0, {{"negPref", 1}, {"acqIndex", -1}, {"sid", 7}}, "acqIndex"},
         {"flag beyond one bit", 0, {{"negPref", 2}, {"acqIndex", 3}, {"sid", 7}}, "negPref"},
-        {"fractional roaming indicator", 0, {{"negPref", 1}, {"acqIndex", 3}, {"sid", 7}, {"roamInd", 1.5}}, "roamInd"},
-        {"1x-MCC beyond three digits", 14, {{"negPref", 1}, {"acqIndex", 3}, {"mcc", 1000}, {"imsi11_12", 1}}, "mcc"},
-        {"PLMN with 16 LACs", 2,
-         {{"negPref", 0}, {"acqIndex", 3}, {"plmnType", 3}, {"mcc", "310"}, {"mnc", "26"},
-          {"lacs", std::vector<int>(16, 1)}}, "lacs"},
-        {"PLMN MNC of one digit", 2,
-         {{"negPref", 0}, {"acqIndex", 3}, {"plmnType", 1}, {"mcc", "310"}, {"mnc", "2"}}, "mnc"},
-        {"MCC-MNC with a bad subnet", 3,
-         {{"negPref", 0}, {"acqIndex", 3}, {"subtype", 3}, {"mcc", "310"}, {"mnc", "26"},
-          {"subnets", {"x"}}}, "subnets"},
-        {"MCC-MNC with six pairs", 3,
-         {{"negPref", 0}, {"acqIndex", 3}, {"subtype", 2}, {"mcc", "310"}, {"mnc", "26"},
-          {"sidNidPairs", std::vector<json>(6, {{"sid", 1}, {"nid", 1}})}}, "sidNidPairs"},
-        {"IS-856 subnet length beyond 7 bits", 1, {{"negPref", 0}, {"acqIndex", 3}, {"subnet", "::/128"}}, "subnet"},
-        {"undefined record data of the wrong size", 7, {{"negPref", 0}, {"acqIndex", 3}, {"length", 4}, {"data", "AB"}}, "data"},
+        {"fractional roaming indicator",
+         0,
+         {{"negPref", 1}, {"acqIndex", 3}, {"sid", 7}, {"roamInd", 1.5}},
+         "roamInd"},
+        {"1x-MCC beyond three digits",
+         14,
+         {{"negPref", 1}, {"acqIndex", 3}, {"mcc", 1000}, {"imsi11_12", 1}},
+         "mcc"},
+        {"PLMN with 16 LACs",
+         2,
+         {{"negPref", 0},
+          {"acqIndex", 3},
+          {"plmnType", 3},
+          {"mcc", "310"},
+          {"mnc", "26"},
+          {"lacs", std::vector<int>(16, 1)}},
+         "lacs"},
+        {"PLMN MNC of one digit",
+         2,
+         {{"negPref", 0}, {"acqIndex", 3}, {"plmnType", 1}, {"mcc", "310"}, {"mnc", "2"}},
+         "mnc"},
+        {"MCC-MNC with a bad subnet",
+         3,
+         {{"negPref", 0},
+          {"acqIndex", 3},
+          {"subtype", 3},
+          {"mcc", "310"},
+          {"mnc", "26"},
+          {"subnets", {"x"}}},
+         "subnets"},
+        {"MCC-MNC with six pairs",
+         3,
+         {{"negPref", 0},
+          {"acqIndex", 3},
+          {"subtype", 2},
+          {"mcc", "310"},
+          {"mnc", "26"},
+          {"sidNidPairs", std::vector<json>(6, {{"sid", 1}, {"nid", 1}})}},
+         "sidNidPairs"},
+        {"IS-856 subnet length beyond 7 bits",
+         1,
+         {{"negPref", 0}, {"acqIndex", 3}, {"subnet", "::/128"}},
+         "subnet"},
+        {"undefined record data of the wrong size",
+         7,
+         {{"negPref", 0}, {"acqIndex", 3}, {"length", 4}, {"data", "AB"}},
+         "data"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
