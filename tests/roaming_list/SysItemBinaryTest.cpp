@@ -183,30 +183,6 @@ TEST(SysItemBinary, HandAssembledRecordsReadAndWriteBack) {
     }
 }
 
-// Records follow each other without alignment in the short framing.
-TEST(SysItemBinary, ShortRecordsPackBackToBack) {
-    CSysItemIS2000 first;
-    first.SetSid(1);
-    first.SetPriority(1);
-    first.SetAcqIndex(3);
-    first.SetRoamInd(1);
-    CSysItemIS2000 second = first;
-    second.SetSid(2);
-    CRLFile out;
-    out.SetVersion(1);
-    uint64_t total = first.Write(out);
-    total += second.Write(out);
-    EXPECT_EQ(total, 74u);
-    CRLFile in(out.Bytes());
-    in.SetVersion(1);
-    uint32_t bits = 0;
-    auto a = ReadOne(in, 1, bits);
-    auto b = ReadOne(in, 1, bits);
-    EXPECT_EQ(As<CSysItemIS2000>(*a).GetSid(), 1u);
-    EXPECT_EQ(As<CSysItemIS2000>(*b).GetSid(), 2u);
-    EXPECT_EQ(b->GetRoamInd(), 1u);
-}
-
 TEST(SysItemBinary, EditedMccAndImsiAreFoldedIntoSidAndNid) {
     struct Case {
         unsigned mcc, imsi;
@@ -215,6 +191,7 @@ TEST(SysItemBinary, EditedMccAndImsiAreFoldedIntoSidAndNid) {
     const std::vector<Case> cases = {
         {310, 12, {0x7C, 0x40, 0xCD, 0x86, 0x40, 0x00, 0x08}},
         {532, 5, {0x7C, 0x42, 0x85, 0x02, 0xC0, 0x00, 0x08}},
+        {999, 99, {0x7C, 0x42, 0xF9, 0xF1, 0xC0, 0x00, 0x08}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.mcc);

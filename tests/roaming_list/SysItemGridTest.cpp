@@ -10,7 +10,6 @@
 #include "roaming_list/AcqItem.h"
 #include "roaming_list/DataException.h"
 #include "roaming_list/SysItem.h"
-#include "roaming_list/SysItemIS2000.h"
 #include "tests/roaming_list/SysItemSamples.h"
 
 namespace Tarn {
@@ -355,23 +354,6 @@ TEST(SysItemGrid, CellsAndHeadingsFollowVersionAndType) {
         for (const auto& [column, text] : c.cells)
             EXPECT_EQ(grid.GetCellText(column, 1), text) << column;
     }
-}
-
-TEST(SysItemGrid, EditedMccIsStoredInSidAndNid) {
-    const CRLItemList acq = AcqTable(kAcqTypes);
-    auto item = CreateSysItem(14, 1);
-    const Cells cells = Merge(Merge(kPref, kTypeCells.at(14)), {{10, "999"}, {11, "99"}});
-    item->ReadFromGrid(GridWith(1, cells), 1, {1, &acq});
-    const auto bytes = SysSamples::WriteOne(*item, 1);
-    CRLFile in(bytes);
-    in.SetVersion(1);
-    uint32_t bits = 0;
-    auto back = SysSamples::ReadOne(in, 1, bits);
-    const auto& mcc = dynamic_cast<const CSysItemIS2000Mcc&>(*back);
-    EXPECT_EQ(mcc.GetMcc(), 999u);
-    EXPECT_EQ(mcc.GetImsi(), 99u);
-    EXPECT_EQ(mcc.GetSid(), 15905u);
-    EXPECT_EQ(mcc.GetNid(), ((999u & 511u) << 7) | 99u);
 }
 
 }  // namespace
