@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "roaming_list/AcqItem.h"
 #include "roaming_list/ConcatPrl.h"
 #include "roaming_list/RLFile.h"
+#include "roaming_list/RLManager.h"
 #include "tests/support/ListBytes.h"
 
 namespace Tarn {
@@ -28,6 +30,18 @@ std::vector<uint8_t> ShortList(uint16_t id) {
 std::vector<uint8_t> LongList(uint16_t id) {
     return Seal(PackBits(
         {{16, 0}, {16, id}, {8, 3}, {1, 0}, {8, 1}, {9, 0}, {9, 0}, {14, 0}, {7, 0}}));
+}
+
+// A version 1 list of 20 bytes: one custom cellular record of six channels (75 bits) after the
+// 64-bit header, padded to 18 bytes, and the CRC.
+std::vector<uint8_t> TwentyByteList() {
+    CRLManagerA manager;
+    auto custom = CreateAcqItem(3, 1);
+    custom->FromText({"1", "2", "3", "4", "5", "6"});
+    manager.GetData().GetAcqTable().Items().Add(std::move(custom));
+    CRLFile file;
+    EXPECT_TRUE(manager.WriteList(file));
+    return file.Bytes();
 }
 
 class ConcatPrlFiles : public ::testing::Test {
@@ -75,18 +89,18 @@ protected:
 
 TEST_F(ConcatPrlFiles, JoinCopiesBothListsAndSplitGivesThemBack) {
     const std::vector<uint8_t> first = ShortList(0x1111);
-    const std::vector<uint8_t> second = LongList(0x2222);
+    const std::vector<uint8_t> second = TwentyByteList();
     ASSERT_EQ(first.size(), 10u);
-    ASSERT_EQ(second.size(), 13u);
+    ASSERT_EQ(second.size(), 20u);
     JoinPrl(Put("a.prl", first), Put("b.prl", second), Path("joined.prl"));
 
     const std::vector<uint8_t> joined = Get(Path("joined.prl"));
-    ASSERT_EQ(joined.size(), 10u + 13u + 2u);
+    ASSERT_EQ(joined.size(), 32u);
     EXPECT_TRUE(std::equal(first.begin(), first.end(), joined.begin()));
     EXPECT_TRUE(std::equal(second.begin(), second.end(), joined.begin() + 10));
-    const uint16_t crc = Crc16(joined.data(), 23);
-    EXPECT_EQ(joined[23], crc >> 8);
-    EXPECT_EQ(joined[24], crc & 0xFF);
+    const uint16_t crc = Crc16(joined.data(), 30);
+    EXPECT_EQ(joined[30], crc >> 8);
+    EXPECT_EQ(joined[31], crc & 0xFF);
 
     size_t s1 = 0;
     EXPECT_TRUE(CheckConcatenatedPrl(joined.data(), joined.size(), s1));
