@@ -1,0 +1,472 @@
+#include "roaming_list/RLManagerText.h"
+
+#include <cctype>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "foundation/MessageTable.h"
+#include "roaming_list/AcqItem.h"
+#include "roaming_list/DataException.h"
+#include "roaming_list/NameTables.h"
+#include "roaming_list/RLFile.h"
+#include "roaming_list/SysItem.h"
+
+namespace Tarn {
+namespace {
+
+constexpr std::string_view kBanner = "=============== ROAMING LIST ===============";
+constexpr std::string_view kAcqTitle = "*********** Acquisition Table ***********";
+constexpr std::string_view kSysTitle = "*********** System Table ***********";
+constexpr std::string_view kAcqColumns =
+    "\tINDEX\tACQ TYPE\tCH1\tCH2\tCH3\tCH4\tCH5\tCH6\tCH7 - - CH31\r\n";
+// Unlike the acquisition column line, this one has no leading tab.
+constexpr std::string_view kSysColumns =
+    "INDEX\tSYS TYPE\tNEG/PREF\tGEO\tPRI\tACQ IND\tROAM IND\tASSN INC\tASSN TAG\tPN ASSN\t"
+    "DATA ASSN\tSID, NID / MCC, IMSI_11_12 / SUBNETID / PLMN TYPE, PLMN, LAC\r\n";
+constexpr std::string_view kColumnLineStart = "INDEX";
+
+constexpr std::string_view kTypeLabel = "Roaming List Type:";
+constexpr std::string_view kPrefOnlyLabel = "Preferred Only:";
+constexpr std::string_view kPrefListIdLabel = "Preferred List ID:";
+constexpr std::string_view kDefRoamIndLabel = "Default Roaming Indicator:";
+
+// The binary format's record count fields: 9 bits of acquisition and 14 bits of system records.
+constexpr size_t kMaxAcqRecords = 511;
+constexpr size_t kMaxSysRecords = 16383;
+
+std::string_view Trim(std::string_view s) {
+    const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
+    while (!s.empty() && blank(s.front())) s.remove_prefix(1);
+    while (!s.empty() && blank(s.back())) s.remove_suffix(1);
+    return s;
+}
+
+bool IEquals(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (std::tolower(static_cast<unsigned char>(a[i])) !=
+            std::tolower(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
+bool StartsWithI(std::string_view s, std::string_view prefix) {
+    return s.size() >= prefix.size() && IEquals(s.substr(0, prefix.size()), prefix);
+}
+
+// Decimal digits only, no sign, at most `max`.
+bool ParseDecimal(std::string_view s, uint32_t max, uint32_t& value) {
+    if (s.empty() || s.size() > 10) return false;
+    uint64_t v = 0;
+    for (char c : s) {
+        if (c < '0' || c > '9') return false;
+        v = v * 10 + static_cast<uint64_t>(c - '0');
+    }
+    if (v > max) return false;
+    value = static_cast<uint32_t>(v);
+    return true;
+}
+
+std::string Quote(std::string_view s) {
+    constexpr size_t kShown = 40;
+    std::string q = "\"" + std::string(s.substr(0, kShown));
+    if (s.size() > kShown) q += "...";
+    return q + "\"";
+}
+
+// Lines of the text without their CR LF (a bare LF ends a line too); a leading UTF-8 byte order
+// mark, which some editors add when a text is saved, is skipped.
+class LineReader {
+public:
+    explicit LineReader(std::string_view text) : text_(text) {
+        if (text_.substr(0, 3) == "\xEF\xBB\xBF") text_.remove_prefix(3);
+    }
+    bool Next(std::string_view& line) {
+        if (pos_ >= text_.size()) return false;
+        size_t end = text_.find('\n', pos_);
+        if (end == std::string_view::npos) end = text_.size();
+        line = text_.substr(pos_, end - pos_);
+        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+        pos_ = end + 1;
+        ++number_;
+        return true;
+    }
+    size_t Number() const { return number_; }
+
+private:
+    std::string_view text_;
+    size_t pos_ = 0;
+    size_t number_ = 0;
+};
+
+[[noreturn]] void Fail(DataError code, size_t line, const std::string& what) {
+    throw CDataException(code, "(line " + std::to_string(line) + ": " + what + ")");
+}
+
+// The header block: every line up to the acquisition table's title. Lines it does not know are
+// passed over, so a text with further header lines still reads.
+struct Header {
+    std::optional<std::string> type, prefOnly, prefListId, defRoamInd;
+    bool reachedAcqTitle = false;
+};
+
+Header ScanHeader(LineReader& reader) {
+    Header h;
+    std::string_view line;
+    while (reader.Next(line)) {
+        const std::string_view t = Trim(line);
+        if (t == kAcqTitle) {
+            h.reachedAcqTitle = true;
+            break;
+        }
+        const auto take = [&](std::string_view label, std::optional<std::string>& into) {
+            if (!StartsWithI(t, label)) return false;
+            into = std::string(Trim(t.substr(label.size())));
+            return true;
+        };
+        take(kTypeLabel, h.type) || take(kPrefOnlyLabel, h.prefOnly) ||
+            take(kPrefListIdLabel, h.prefListId) || take(kDefRoamIndLabel, h.defRoamInd);
+    }
+    return h;
+}
+
+std::vector<std::string> Tokens(std::string_view line) {
+    std::vector<std::string> tokens;
+    size_t pos = 0;
+    while (pos <= line.size()) {
+        size_t end = line.find('\t', pos);
+        if (end == std::string_view::npos) end = line.size();
+        const std::string_view token = Trim(line.substr(pos, end - pos));
+        if (!token.empty()) tokens.emplace_back(token);
+        pos = end + 1;
+    }
+    return tokens;
+}
+
+// The title and the column line of a table; blank lines before the column line are passed over.
+void ExpectColumnLine(LineReader& reader, DataError code, const char* table) {
+    std::string_view line;
+    while (reader.Next(line)) {
+        const std::string_view t = Trim(line);
+        if (t.empty()) continue;
+        if (StartsWithI(t, kColumnLineStart)) return;
+        Fail(code, reader.Number(), std::string("the column line of the ") + table +
+                                        " is missing, found " + Quote(t));
+    }
+    throw CDataException(DataError::PrematureEof,
+                         std::string("(the ") + table + " ends before its column line)");
+}
+
+struct TableKind {
+    const char* name;
+    DataError tableError, indexError, typeError;
+    size_t maxRecords;
+};
+constexpr TableKind kAcqKind{"acquisition table", DataError::InvalidAcqTable,
+                             DataError::InvalidAcqTableIndex, DataError::InvalidAcqType,
+                             kMaxAcqRecords};
+constexpr TableKind kSysKind{"system table", DataError::InvalidSysTable,
+                             DataError::InvalidSysTableIndex, DataError::InvalidSysRecType,
+                             kMaxSysRecords};
+
+// Reads the record lines of one table until `endTitle` (or the end of the text when it is empty).
+// Returns false when the text ended before the title.
+template <typename Create>
+bool ReadRecords(LineReader& reader, const TableKind& kind, std::string_view endTitle,
+                 CRLItemList& items, Create create) {
+    std::string_view line;
+    while (reader.Next(line)) {
+        const std::string_view t = Trim(line);
+        if (t.empty()) continue;
+        if (!endTitle.empty() && t == endTitle) return true;
+        const size_t number = reader.Number();
+        std::vector<std::string> tokens = Tokens(line);
+        uint32_t index = 0;
+        uint32_t type = 0;
+        if (tokens.size() < 2 || !ParseDecimal(tokens[0], 0xFFFFFFFFu, index))
+            Fail(kind.tableError, number, "not a record line: " + Quote(t));
+        if (index != items.GetSize())
+            Fail(kind.indexError, number,
+                 "record " + std::to_string(items.GetSize()) + " expected, found " + tokens[0]);
+        if (items.GetSize() >= kind.maxRecords)
+            Fail(kind.tableError, number,
+                 "more than " + std::to_string(kind.maxRecords) + " records in the " + kind.name);
+        if (!ParseDecimal(tokens[1], 255, type))
+            Fail(kind.typeError, number, "type " + Quote(tokens[1]));
+        std::unique_ptr<CRLItem> item = create(static_cast<int>(type));
+        if (!item) Fail(kind.typeError, number, "type " + tokens[1] + " is unknown in this version");
+        tokens.erase(tokens.begin(), tokens.begin() + 2);
+        try {
+            item->FromText(tokens);
+        } catch (const CDataException& e) {
+            throw CDataException(static_cast<DataError>(e.Code()),
+                                 "(line " + std::to_string(number) + ")" +
+                                     (e.Detail().empty() ? "" : " " + e.Detail()));
+        } catch (const std::exception& e) {
+            Fail(kind.tableError, number, e.what());
+        }
+        items.Add(std::move(item));
+    }
+    return endTitle.empty();
+}
+
+std::unique_ptr<CRLData> ParseText(std::string_view text, int version) {
+    LineReader reader(text);
+    Header h = ScanHeader(reader);
+    const auto missing = [](std::string_view label) {
+        return CDataException(DataError::PrematureEof,
+                              "(the header ends before its \"" +
+                                  std::string(label.substr(0, label.size() - 1)) + "\" line)");
+    };
+    if (!h.type) throw missing(kTypeLabel);
+    if (!h.prefOnly) throw missing(kPrefOnlyLabel);
+    if (!h.prefListId) throw missing(kPrefListIdLabel);
+    if (!h.defRoamInd) throw missing(kDefRoamIndLabel);
+
+    auto data = std::make_unique<CRLData>();
+    CPropData& prop = data->GetProperties();
+    if (IEquals(*h.prefOnly, "TRUE")) {
+        prop.prefOnly = true;
+    } else if (IEquals(*h.prefOnly, "FALSE")) {
+        prop.prefOnly = false;
+    } else {
+        throw CDataException(DataError::InvalidPrefOnly, "(" + Quote(*h.prefOnly) + ")");
+    }
+    // The message table has no text of its own for these two settings.
+    uint32_t value = 0;
+    if (!ParseDecimal(*h.prefListId, 0xFFFF, value))
+        throw CDataException(static_cast<DataError>(0),
+                             "(Preferred List ID " + Quote(*h.prefListId) +
+                                 " is not a number from 0 to 65535)");
+    prop.prefListId = static_cast<uint16_t>(value);
+    if (!ParseDecimal(*h.defRoamInd, 0xFF, value))
+        throw CDataException(static_cast<DataError>(0),
+                             "(Default Roaming Indicator " + Quote(*h.defRoamInd) +
+                                 " is not a number from 0 to 255)");
+    prop.defRoamInd = static_cast<uint8_t>(value);
+    prop.ssprPRev = version >= 3 ? 3 : 0;
+    prop.reserved = 0;
+    prop.numCommonSubnet = 0;
+    prop.listSize = 0;
+
+    if (!h.reachedAcqTitle)
+        throw CDataException(DataError::PrematureEof, "(the acquisition table is missing)");
+    ExpectColumnLine(reader, DataError::InvalidAcqTable, kAcqKind.name);
+    CRLItemList& acq = data->GetAcqTable().Items();
+    if (!ReadRecords(reader, kAcqKind, kSysTitle, acq,
+                     [version](int type) { return CreateAcqItem(type, version); }))
+        throw CDataException(DataError::PrematureEof, "(the system table is missing)");
+    ExpectColumnLine(reader, DataError::InvalidSysTable, kSysKind.name);
+    CRLItemList& sys = data->GetSysTable().Items();
+    ReadRecords(reader, kSysKind, {}, sys,
+                [version](int type) { return CreateSysItem(type, version); });
+    acq.SetAnnouncedCount(static_cast<uint32_t>(acq.GetSize()));
+    sys.SetAnnouncedCount(static_cast<uint32_t>(sys.GetSize()));
+    return data;
+}
+
+// One record's line; refuses fields that the reader could not give back as they are.
+void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
+                  const char* table) {
+    const auto refuse = [&](const std::string& why) {
+        throw CTextRenderException(std::string(table) + " record " + std::to_string(index) + ": " +
+                                   why);
+    };
+    std::string fields;
+    try {
+        fields = item.ToText();
+    } catch (const std::exception& e) {
+        refuse(e.what());
+    }
+    if (fields.find_first_of("\r\n") != std::string::npos) refuse("a field holds a line break");
+    size_t pos = 0;
+    for (int field = 1; pos < fields.size(); ++field) {
+        size_t end = fields.find('\t', pos);
+        if (end == std::string::npos) end = fields.size();
+        const std::string_view f(fields.data() + pos, end - pos);
+        if (Trim(f).empty()) refuse("field " + std::to_string(field) + " is empty");
+        if (f == kInvalidName) refuse("field " + std::to_string(field) + " has no name");
+        pos = end + 1;
+    }
+    out += FormatText("\t%d\t%d\t", {index, type});
+    out += fields;
+    out += "\r\n";
+}
+
+}  // namespace
+
+CTextRenderException::CTextRenderException(std::string detail)
+    : text_(MessageText(Msg::CannotRenderText)), detail_(std::move(detail)) {}
+
+unsigned CTextRenderException::MessageId() const { return Msg::CannotRenderText; }
+
+std::string RenderRoamingListText(const CRLData& data, int version, bool as1xEV) {
+    if (version < kMinVersion || version > kMaxVersion)
+        throw CTextRenderException("there is no roaming list version " + std::to_string(version));
+    const CPropData& prop = data.GetProperties();
+    std::string out;
+    out += "\r\n\t\t";
+    out += kBanner;
+    out += "\r\n\r\n\tRoaming List Type:\t\t";
+    out += (as1xEV && version == 3) ? std::string(k1xEVTypeName) : VersionName(version);
+    out += FormatText("\r\n\tPreferred Only:\t\t%s\r\n", {prop.prefOnly ? "TRUE" : "FALSE"});
+    out += FormatText("\tPreferred List ID:\t\t%d\r\n", {prop.prefListId});
+    out += FormatText("\tDefault Roaming Indicator:\t%d\r\n", {prop.defRoamInd});
+
+    out += "\r\n\t\t";
+    out += kAcqTitle;
+    out += "\r\n\r\n";
+    out += kAcqColumns;
+    const CRLItemList& acq = data.GetAcqTable().Items();
+    for (size_t i = 0; i < acq.GetSize(); ++i) {
+        const auto* item = dynamic_cast<const CAcqItem*>(acq.GetAt(i));
+        if (!item) throw CTextRenderException("acquisition record " + std::to_string(i) +
+                                              ": not an acquisition record");
+        RenderRecord(out, *item, i, item->GetAcqType(), "acquisition");
+    }
+
+    out += "\r\n\t\t";
+    out += kSysTitle;
+    out += "\r\n\r\n";
+    out += kSysColumns;
+    const CRLItemList& sys = data.GetSysTable().Items();
+    for (size_t i = 0; i < sys.GetSize(); ++i) {
+        const auto* item = dynamic_cast<const CSysItem*>(sys.GetAt(i));
+        if (!item)
+            throw CTextRenderException("system record " + std::to_string(i) + ": not a system record");
+        RenderRecord(out, *item, i, item->GetSysType(), "system");
+    }
+    return out;
+}
+
+std::string CRLManagerText::GetTextTypeName() const {
+    return is1xEV_ ? std::string(k1xEVTypeName) : GetVersionName();
+}
+
+bool CRLManagerText::AcceptsTypeName(const std::string& name) const {
+    return IEquals(name, GetVersionName());
+}
+
+bool CRLManagerTextC::AcceptsTypeName(const std::string& name) const {
+    return CRLManagerText::AcceptsTypeName(name) || IEquals(name, k1xEVTypeName);
+}
+
+void CRLManagerText::AttachData(std::unique_ptr<CRLData>& data) {
+    CRLManager::AttachData(data);
+    if (GetVersion() >= 3) data_->GetProperties().ssprPRev = 3;
+}
+
+bool CRLManagerText::ReadText(const std::string& text) {
+    lastError_.clear();
+    LineReader reader(text);
+    const Header h = ScanHeader(reader);
+    if (!h.type) {
+        lastError_ = CDataException(DataError::PrematureEof,
+                                    "(there is no \"Roaming List Type\" line)").what();
+        return false;
+    }
+    if (!AcceptsTypeName(*h.type)) {
+        lastError_ = CDataException(DataError::InvalidRlType, "(" + Quote(*h.type) + ")").what();
+        return false;
+    }
+    data_ = ParseText(text, GetVersion());
+    is1xEV_ = IEquals(*h.type, k1xEVTypeName);
+    return true;
+}
+
+std::string CRLManagerText::WriteText() const {
+    return RenderRoamingListText(*data_, GetVersion(), is1xEV_);
+}
+
+bool CRLManagerText::ValidateFile(CRLFile& file) {
+    lastError_.clear();
+    const std::vector<uint8_t>& bytes = file.Bytes();
+    LineReader reader(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    const Header h = ScanHeader(reader);
+    if (!h.type) {
+        lastError_ = DataErrorText(static_cast<int>(DataError::PrematureEof));
+        return false;
+    }
+    if (!AcceptsTypeName(*h.type)) {
+        lastError_ = DataErrorText(static_cast<int>(DataError::InvalidRlType));
+        return false;
+    }
+    return true;
+}
+
+bool CRLManagerText::ReadList(CRLFile& file) {
+    const std::vector<uint8_t>& bytes = file.Bytes();
+    if (!ReadText(std::string(bytes.begin(), bytes.end())))
+        throw CDataException(DataError::InvalidRlType);
+    return true;
+}
+
+bool CRLManagerText::WriteList(CRLFile& file) {
+    lastError_.clear();
+    std::string text;
+    try {
+        text = WriteText();
+    } catch (const CTextRenderException& e) {
+        lastError_ = e.what();
+        return false;
+    }
+    file.SetLength(0);
+    file.SeekToBegin();
+    file.SetBitOffset(0);
+    file.Write(text.data(), text.size());
+    return true;
+}
+
+std::unique_ptr<CReadHelper> CRLManagerText::CreateAcqReadHelper() const {
+    if (GetVersion() >= 3) return std::make_unique<CReadHelperAcqC>(GetVersion());
+    return std::make_unique<CReadHelperAcqA>(GetVersion());
+}
+
+std::unique_ptr<CReadHelper> CRLManagerText::CreateSysReadHelper() const {
+    if (GetVersion() >= 3) return std::make_unique<CReadHelperSysC>(GetVersion());
+    return std::make_unique<CReadHelperSysA>(GetVersion());
+}
+
+std::string CRLManagerTextA::GetDescription() const { return "Roaming list text, IS-683-A"; }
+std::string CRLManagerTextB::GetDescription() const { return "Roaming list text, IS-683-B"; }
+std::string CRLManagerTextC::GetDescription() const {
+    return "Roaming list text, IS-683-C (also IS-683A+1xEV)";
+}
+std::string CRLManagerTextD::GetDescription() const { return "Roaming list text, IS-683-D"; }
+std::string RLManagerTextE::GetDescription() const { return "Roaming list text, IS-683-E"; }
+
+std::unique_ptr<CRLManagerText> CreateTextManager(int version) {
+    switch (version) {
+        case 1: return std::make_unique<CRLManagerTextA>();
+        case 2: return std::make_unique<CRLManagerTextB>();
+        case 3: return std::make_unique<CRLManagerTextC>();
+        case 4: return std::make_unique<CRLManagerTextD>();
+        default: return std::make_unique<RLManagerTextE>();
+    }
+}
+
+TextDetectResult DetectTextVersion(const std::string& text) {
+    TextDetectResult result;
+    for (int version = kMinVersion; version <= kMaxVersion; ++version) {
+        std::unique_ptr<CRLManagerText> manager = CreateTextManager(version);
+        try {
+            if (!manager->ReadText(text)) {
+                result.error = manager->GetLastError();
+                continue;
+            }
+        } catch (const std::exception& e) {
+            // Only one manager accepts a given type name, so its fault is the text's fault.
+            result.error = e.what();
+            return result;
+        }
+        result.data = manager->DetachData();
+        result.version = version;
+        result.is1xEV = manager->Is1xEV();
+        result.error.clear();
+        return result;
+    }
+    return result;
+}
+
+}  // namespace Tarn
