@@ -359,6 +359,7 @@ bool CRLDoc::ConvertTo(int version) {
 }
 
 bool CRLDoc::RenderText(QString& text) {
+    ListProblem problem;
     try {
         if (textView_) {
             // A text document is not edited in grids: its list is what was read.
@@ -366,18 +367,25 @@ bool CRLDoc::RenderText(QString& text) {
             return true;
         }
         emit commitViews();
-        ListProblem problem;
         auto data =
             TakeListFromViews(version_, manager_->GetData(), header_, acqGrid_, sysGrid_, problem);
-        if (!data) throw std::runtime_error(problem.text);
-        std::unique_ptr<CRLManager> manager = CreateClassFactory(version_)->CreateManager();
-        manager->AttachData(data);
-        text = QString::fromStdString(RenderListText(*manager));
-        return true;
-    } catch (const std::exception&) {
-        Prompts().Message(DialogParent(), Text(Msg::CannotRenderText), MsgIcon::Error);
-        return false;
+        if (data) {
+            std::unique_ptr<CRLManager> manager = CreateClassFactory(version_)->CreateManager();
+            manager->AttachData(data);
+            text = QString::fromStdString(RenderListText(*manager));
+            return true;
+        }
+    } catch (const std::exception& e) {
+        problem = {};
+        problem.text = e.what();
     }
+    // The refusal says why, and the cursor goes where the problem is.
+    ListProblem shown = problem;
+    shown.warning = false;
+    shown.text = std::string(MessageText(Msg::CannotRenderText));
+    if (!problem.text.empty() && problem.text != shown.text) shown.text += "\n\n" + problem.text;
+    ShowProblem(shown);
+    return false;
 }
 
 bool CRLDoc::GetPrintText(QString& text) {

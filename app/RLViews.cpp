@@ -131,6 +131,7 @@ CRecordTableView::CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QStri
             grid_->setCurrentIndex(doc_.Grid(table_).index(0, 0));
         else
             doc_.RefreshHeadings(table_, grid_->currentIndex().row());
+        grid_->FitColumns();
     });
     connect(&doc, &CRLDoc::commitViews, grid_, &GridView::CommitPendingEdit);
     connect(&doc, &CRLDoc::focusCell, this, [this](CRLDoc::Table t, int column, int row) {
@@ -141,6 +142,7 @@ CRecordTableView::CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QStri
         grid_->setCurrentIndex(model.index(0, 0));
     else
         doc_.RefreshHeadings(table_, -1);
+    grid_->FitColumns();
 }
 
 void CRecordTableView::UpdateTitle() {

@@ -272,6 +272,30 @@ void GridView::DeleteSelectedRows() {
     model_->RemoveRows(rows, tr("Delete Rows"));
 }
 
+void GridView::FitColumns(int sampleRows) {
+    if (!model_) return;
+    const QFontMetrics fm(font());
+    const QFontMetrics hfm(horizontalHeader()->font());
+    const int rows = std::min(model_->rowCount(), sampleRows);
+    constexpr int kMin = 56;
+    constexpr int kMax = 240;
+    constexpr int kArrow = 18;
+    for (int c = 0; c < model_->columnCount(); ++c) {
+        int width = 0;
+        for (const QString& line :
+             model_->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString().split('\n'))
+            width = std::max(width, hfm.horizontalAdvance(line) + 16);
+        for (int r = 0; r < rows; ++r) {
+            const std::string text = model_->GetCellText(c, r);
+            const CellKind kind = model_->GetCellKind(c, r);
+            int w = fm.horizontalAdvance(QString::fromStdString(text)) + 12;
+            if (kind == CellKind::DropDown) w += kArrow;
+            width = std::max(width, w);
+        }
+        setColumnWidth(c, std::clamp(width, c == 0 ? 150 : kMin, kMax));
+    }
+}
+
 void GridView::CommitPendingEdit() {
     if (state() != QAbstractItemView::EditingState) return;
     QWidget* editor = indexWidget(currentIndex());

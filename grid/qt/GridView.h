@@ -58,6 +58,10 @@ public:
 
     std::vector<int> SelectedRows() const;
 
+    // Widens each column to what its heading and its first `sampleRows` cells need, within
+    // bounds; sampling keeps this cheap on a 16,383-row table.
+    void FitColumns(int sampleRows = 200);
+
     // Splits clipboard text into rows of cells (a trailing line end adds no row).
     static std::vector<std::vector<std::string>> ParseCells(const QString& text);
 

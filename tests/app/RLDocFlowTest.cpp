@@ -254,8 +254,12 @@ TEST(RLDocFlow, TextViewRendersTheGridsAndRefusesABrokenList) {
     sys.setData(sys.index(0, 10), "", Qt::EditRole);
     f.prompts.Clear();
     EXPECT_FALSE(doc->RenderText(text));
-    EXPECT_EQ(f.prompts.MessageTexts(),
-              QStringList{"The roaming list is invalid.  Could not be converted to text view."});
+    ASSERT_EQ(f.prompts.messages.size(), 1u);
+    // The refusal, then what the cell says is wrong.
+    EXPECT_TRUE(f.prompts.messages[0].text.startsWith(
+        "The roaming list is invalid.  Could not be converted to text view.\n\nA required value is "
+        "missing in column 10, row 0"))
+        << f.prompts.messages[0].text.toStdString();
 }
 
 // ---- The real program, unattended --------------------------------------------------------------
