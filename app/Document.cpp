@@ -141,6 +141,11 @@ void CMDIChildBase::UpdateTitle() {
     if (secondary_) title += tr(" - Text View");
     if (doc_->IsModified() && !secondary_) title += " *";
     setWindowTitle(title);
+    if (mdiArea() && mdiArea()->window()) {
+        // The frame shows the active child's title; let it know this one changed.
+        if (auto* frame = mdiArea()->window(); mdiArea()->activeSubWindow() == this)
+            QMetaObject::invokeMethod(frame, "UpdateCommands", Qt::DirectConnection);
+    }
 }
 
 void CMDIChildBase::closeEvent(QCloseEvent* event) {

@@ -100,16 +100,22 @@ void PrintTextPages(QPrinter& printer, const QString& title, const QString& text
                     const QDateTime& when) {
     QPainter painter;
     if (!painter.begin(&printer)) return;
+    QStringList lines = QString(text).replace("\r\n", "\n").split('\n');
+    for (QString& line : lines) line = ExpandTabs(line);
+    const QRect page = painter.viewport();
     QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     mono.setPointSizeF(8.5);
+    // The system table's lines are long: the font shrinks until the longest one fits the page.
+    qsizetype longest = 1;
+    for (const QString& line : lines) longest = std::max(longest, line.size());
+    const qreal wide = QFontMetricsF(mono, &printer).horizontalAdvance(QString(longest, 'M'));
+    if (wide > page.width()) mono.setPointSizeF(std::max(5.0, 8.5 * page.width() / wide));
     painter.setFont(mono);
     const QFontMetrics fm(mono, &printer);
-    const QRect page = painter.viewport();
     const int lineHeight = fm.lineSpacing();
     const int top = lineHeight * 3;
     const int linesPerPage = std::max(1, (page.height() - top - lineHeight * 2) / lineHeight);
 
-    QStringList lines = QString(text).replace("\r\n", "\n").split('\n');
     const int pages =
         std::max<int>(1, static_cast<int>((lines.size() + linesPerPage - 1) / linesPerPage));
     const QString date = PrintDateText(when);
@@ -121,7 +127,7 @@ void PrintTextPages(QPrinter& printer, const QString& title, const QString& text
         int y = top;
         for (int i = p * linesPerPage;
              i < std::min<int>(static_cast<int>(lines.size()), (p + 1) * linesPerPage); ++i) {
-            painter.drawText(0, y + fm.ascent(), ExpandTabs(lines[i]));
+            painter.drawText(0, y + fm.ascent(), lines[i]);
             y += lineHeight;
         }
         painter.drawText(QRect(0, page.height() - lineHeight, page.width(), lineHeight),
@@ -405,6 +411,10 @@ GridView* CMainFrame::ActiveGrid() const {
 
 void CMainFrame::UpdateCommands() {
     CDocument* doc = ActiveDocument();
+    // A maximised child shows no title of its own: the frame carries it.
+    const QString base = QString::fromUtf8(MessageText(Msg::MainFrameTitle).data());
+    QMdiSubWindow* active = mdi_->activeSubWindow();
+    setWindowTitle(active ? base + " - " + active->windowTitle() : base);
     auto* rl = qobject_cast<CRLDoc*>(doc);
     const bool any = doc != nullptr;
     const bool grids = rl && !rl->IsTextView();

@@ -69,7 +69,7 @@ public:
     void RestoreAndShow();
     WindowPlacement CurrentPlacement() const;
 
-    void UpdateCommands();
+    Q_INVOKABLE void UpdateCommands();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
