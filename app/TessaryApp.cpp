@@ -142,7 +142,11 @@ void ChangeCurrentVersion(int version) {
 }
 
 const CRLClassFactory& CurrentVersionFactory() {
-    if (!g_versionFactory) g_versionFactory = CreateClassFactory(GetCurrentVersion());
+    // A version set past ChangeCurrentVersion must not find the old version's object either.
+    const int v = GetCurrentVersion();
+    const int wanted = v >= kMinVersion && v < kMaxVersion ? v : kMaxVersion;
+    if (g_versionFactory && g_versionFactory->GetVersion() != wanted) g_versionFactory.reset();
+    if (!g_versionFactory) g_versionFactory = CreateClassFactory(v);
     return *g_versionFactory;
 }
 

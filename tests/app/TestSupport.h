@@ -55,7 +55,7 @@ struct AppFixture {
     QTemporaryDir dir;
 
     explicit AppFixture(const QStringList& args = {}) {
-        SetCurrentVersion(0);
+        ChangeCurrentVersion(0);
         app = std::make_unique<CTessaryApp>();
         app->SetFileLauncher([](const QString&) { return false; });
         app->InitInstance(args, false);
