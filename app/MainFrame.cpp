@@ -157,7 +157,13 @@ CMainFrame::CMainFrame(CTessaryApp& app) : app_(app), mdi_(new QMdiArea(this)) {
     UpdateCommands();
 }
 
-CMainFrame::~CMainFrame() = default;
+CMainFrame::~CMainFrame() {
+    // Children die after this body; the focus and activation changes they cause must not reach
+    // a frame that is half gone.
+    destroying_ = true;
+    qApp->disconnect(this);
+    mdi_->disconnect(this);
+}
 
 QAction* CMainFrame::Action(int id) const {
     auto it = actions_.find(id);
@@ -410,6 +416,7 @@ GridView* CMainFrame::ActiveGrid() const {
 }
 
 void CMainFrame::UpdateCommands() {
+    if (destroying_) return;
     CDocument* doc = ActiveDocument();
     // A maximised child shows no title of its own: the frame carries it.
     const QString base = QString::fromUtf8(MessageText(Msg::MainFrameTitle).data());

@@ -95,6 +95,7 @@ private:
     QList<QAction*> recentActions_;
     std::unique_ptr<QPrinter> printer_;
     bool shownOnce_ = false;
+    bool destroying_ = false;
 };
 
 }  // namespace Tarn
