@@ -99,6 +99,84 @@ int PlmnListKindFromPath(const std::string& path) {
     return 0;
 }
 
+// ---- PLMN codes ----
+
+void ReadPlmnDigits(CRLFile& file, Digits& mcc, Digits& mnc) {
+    Require(file, 24, "PLMN code");
+    mcc[1] = static_cast<uint8_t>(file.ReadBits(4));
+    mcc[0] = static_cast<uint8_t>(file.ReadBits(4));
+    mnc[2] = static_cast<uint8_t>(file.ReadBits(4));
+    mcc[2] = static_cast<uint8_t>(file.ReadBits(4));
+    mnc[1] = static_cast<uint8_t>(file.ReadBits(4));
+    mnc[0] = static_cast<uint8_t>(file.ReadBits(4));
+}
+
+void WritePlmnDigits(CRLFile& file, const Digits& mcc, const Digits& mnc) {
+    file.WriteBits(4, mcc[1] & 0xFu);
+    file.WriteBits(4, mcc[0] & 0xFu);
+    file.WriteBits(4, mnc[2] & 0xFu);
+    file.WriteBits(4, mcc[2] & 0xFu);
+    file.WriteBits(4, mnc[1] & 0xFu);
+    file.WriteBits(4, mnc[0] & 0xFu);
+}
+
+std::string ShowMcc(const Digits& mcc) {
+    return std::to_string(mcc[0]) + std::to_string(mcc[1]) + std::to_string(mcc[2]);
+}
+
+std::string ShowMnc(const Digits& mnc) {
+    static const char kHex[] = "0123456789ABCDEF";
+    if (mnc[0] == 15 || mnc[1] == 15)
+        return {kHex[mnc[0] & 0xF], kHex[mnc[1] & 0xF], kHex[mnc[2] & 0xF]};
+    if (mnc[2] == 15) return std::to_string(mnc[0]) + std::to_string(mnc[1]);
+    return std::to_string(mnc[0]) + std::to_string(mnc[1]) + std::to_string(mnc[2]);
+}
+
+bool ParseMcc(const std::string& text, Digits& mcc) {
+    if (text.size() != 3 || !IsDigits(text)) return false;
+    for (int i = 0; i < 3; ++i) mcc[i] = static_cast<uint8_t>(text[i] - '0');
+    return true;
+}
+
+bool ParseMnc(const std::string& text, Digits& mnc) {
+    if (text.size() != 2 && text.size() != 3) return false;
+    Digits d = {15, 15, 15};
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c >= '0' && c <= '9')
+            d[i] = static_cast<uint8_t>(c - '0');
+        else if (c != 'F' && c != 'f')
+            return false;
+    }
+    mnc = d;
+    return true;
+}
+
+std::string NibbleText(const Digits& digits, bool mnc) {
+    static const char kHex[] = "0123456789ABCDEF";
+    if (mnc && digits[2] == 15 && digits[0] <= 9 && digits[1] <= 9)
+        return {kHex[digits[0]], kHex[digits[1]]};
+    return {kHex[digits[0] & 0xF], kHex[digits[1] & 0xF], kHex[digits[2] & 0xF]};
+}
+
+bool ParseNibbleText(const std::string& text, bool mnc, Digits& digits) {
+    if (text.size() != 3 && !(mnc && text.size() == 2)) return false;
+    Digits d = {15, 15, 15};
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c >= '0' && c <= '9')
+            d[i] = static_cast<uint8_t>(c - '0');
+        else if (c >= 'A' && c <= 'F')
+            d[i] = static_cast<uint8_t>(c - 'A' + 10);
+        else if (c >= 'a' && c <= 'f')
+            d[i] = static_cast<uint8_t>(c - 'a' + 10);
+        else
+            return false;
+    }
+    digits = d;
+    return true;
+}
+
 // ---- grid cells ----
 
 std::string RequiredCell(const Grid& grid, int column, int row) {

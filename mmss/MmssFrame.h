@@ -4,6 +4,7 @@
 #pragma once
 
 // Standard library
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -66,6 +67,25 @@ void CheckHeaderValue(const std::string& value, long long high, const std::strin
 // substring search over the whole path (".ehplmn", ".EHPLMN", ".uplmn", ".UPLMN", ".oplmn",
 // ".OPLMN", first hit wins), so "list.EHPLMN.bak" is an EHPLMN list and "list.Ehplmn" is nothing.
 int PlmnListKindFromPath(const std::string& path);
+
+// ---- PLMN codes (MCC and MNC as nibbles, digit 1 first) ----
+using Digits = std::array<uint8_t, 3>;
+// The six nibbles in 3GPP packed-BCD order: MCC digit 2, MCC digit 1, MNC digit 3, MCC digit 3,
+// MNC digit 2, MNC digit 1 (each pair high nibble first).
+void ReadPlmnDigits(CRLFile& file, Digits& mcc, Digits& mnc);
+void WritePlmnDigits(CRLFile& file, const Digits& mcc, const Digits& mnc);
+// How the editor shows a code: the MCC as three "%u"; the MNC as "%X%X%X" when digit 1 or 2 is F
+// (so "FFF" stays visible), two digits when digit 3 is F, else three digits.
+std::string ShowMcc(const Digits& mcc);
+std::string ShowMnc(const Digits& mnc);
+// What a user may type: an MCC of three decimal digits; an MNC of two or three characters, each
+// a decimal digit or the wildcard F/f (two characters leave digit 3 as F).
+bool ParseMcc(const std::string& text, Digits& mcc);
+bool ParseMnc(const std::string& text, Digits& mnc);
+// A lossless text of the nibbles for JSON: one hexadecimal character a nibble, the MNC in two
+// characters when digit 3 is F and digits 1 and 2 are decimal ("01"), else in three ("F1F").
+std::string NibbleText(const Digits& digits, bool mnc);
+bool ParseNibbleText(const std::string& text, bool mnc, Digits& digits);
 
 // ---- grid cells ----
 // The text of a cell; an empty cell or one holding BADVAL raises message 140.
