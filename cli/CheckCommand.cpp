@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "cli/Command.h"
+#include "formats/FileKinds.h"
 #include "foundation/MessageTable.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
@@ -9,8 +10,25 @@
 namespace Tarn::Cli {
 namespace {
 
+// Any kind but a binary roaming list: read it, then run the checks a save would run.
+bool CheckDocument(const std::string& path) {
+    std::string error;
+    auto doc = ReadFileDocument(path, error);
+    if (!doc) {
+        std::cout << path << ": " << error << '\n';
+        return false;
+    }
+    auto problems = doc->Check();
+    std::cout << path << ": " << doc->KindName() << (problems.empty() ? ", valid" : ", not valid")
+              << '\n';
+    for (const auto& p : problems) std::cout << "  " << p.message << '\n';
+    return problems.empty();
+}
+
 // Prints one line per file and reports whether it is valid.
 bool CheckOne(const std::string& path) {
+    FileKind kind = KindForOpen(path);
+    if (kind != FileKind::None && kind != FileKind::RoamingList) return CheckDocument(path);
     CRLFile file;
     std::string error;
     if (!file.Load(path, error, 1u << 20)) {

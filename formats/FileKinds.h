@@ -84,3 +84,12 @@ void AddMmssFileKinds(std::vector<FileKindInfo>& kinds);
 void AddRoamingListFileKinds(std::vector<FileKindInfo>& kinds);
 
 }  // namespace Tarn
+
+namespace Tarn {
+
+// Reads the file at `path` as the kind the editor would open it as (rule B); a path that names
+// no kind is tried as a binary roaming list. Nothing, with one clear line in `error`, when the
+// file cannot be read or is not a valid file of that kind.
+std::unique_ptr<FileDocument> ReadFileDocument(const std::string& path, std::string& error);
+
+}  // namespace Tarn

@@ -1,0 +1,93 @@
+// Runs the real tarn-cli binary with a fixed locale and an empty environment otherwise, and
+// captures what it printed and its exit status.
+#pragma once
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Tarn::Test {
+
+struct CliResult {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+inline std::string Slurp(const std::filesystem::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+inline std::vector<uint8_t> SlurpBytes(const std::filesystem::path& p) {
+    std::string s = Slurp(p);
+    return {s.begin(), s.end()};
+}
+
+inline void WriteBytes(const std::filesystem::path& p, const std::vector<uint8_t>& bytes) {
+    std::ofstream out(p, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+// A scratch folder removed when the test ends.
+class TempDir {
+public:
+    TempDir() {
+        std::string tmpl = (std::filesystem::temp_directory_path() / "tarn-cli-XXXXXX").string();
+        path_ = ::mkdtemp(tmpl.data());
+    }
+    ~TempDir() {
+        std::error_code ec;
+        std::filesystem::remove_all(path_, ec);
+    }
+    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+inline CliResult RunCli(const std::vector<std::string>& args) {
+    TempDir io;
+    const auto outPath = io / "stdout";
+    const auto errPath = io / "stderr";
+    CliResult result;
+    pid_t pid = ::fork();
+    if (pid == 0) {
+        FILE* o = std::freopen(outPath.c_str(), "w", stdout);
+        FILE* e = std::freopen(errPath.c_str(), "w", stderr);
+        if (!o || !e) ::_exit(127);
+        std::vector<char*> argv;
+        std::string exe = TARN_CLI_PATH;
+        argv.push_back(exe.data());
+        std::vector<std::string> copy = args;
+        for (auto& a : copy) argv.push_back(a.data());
+        argv.push_back(nullptr);
+        // Only what the sanitizers need survives, so no user setting can change the output.
+        std::vector<std::string> envs = {"LC_ALL=C", "HOME=/nonexistent"};
+        for (const char* keep : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"})
+            if (const char* v = std::getenv(keep)) envs.push_back(std::string(keep) + "=" + v);
+        std::vector<char*> envp;
+        for (auto& e2 : envs) envp.push_back(e2.data());
+        envp.push_back(nullptr);
+        ::execve(exe.c_str(), argv.data(), envp.data());
+        ::_exit(127);
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    result.out = Slurp(outPath);
+    result.err = Slurp(errPath);
+    return result;
+}
+
+}  // namespace Tarn::Test

@@ -1,0 +1,46 @@
+// Builds roaming list images bit by bit for tests, sealing them with size and CRC like a writer.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
+#include "roaming_list/RLFile.h"
+
+namespace Tarn::Test {
+
+// Fields as (width, value) pairs, packed MSB first with no alignment.
+inline std::vector<uint8_t> PackBits(std::initializer_list<std::pair<int, uint32_t>> fields) {
+    CRLFile f;
+    uint64_t bits = 0;
+    for (auto [w, v] : fields) {
+        f.WriteBits(w, v);
+        bits += static_cast<uint64_t>(w);
+    }
+    f.PadToByte(bits);
+    return f.Bytes();
+}
+
+// Puts the 16-bit size in front of `body` (which must start with two placeholder bytes) and the
+// CRC after it, as the manager's finishing step does.
+inline std::vector<uint8_t> Seal(std::vector<uint8_t> body) {
+    const uint16_t size = static_cast<uint16_t>(body.size() + 2);
+    body[0] = static_cast<uint8_t>(size >> 8);
+    body[1] = static_cast<uint8_t>(size & 0xFF);
+    const uint16_t crc = Crc16(body.data(), body.size());
+    body.push_back(static_cast<uint8_t>(crc >> 8));
+    body.push_back(static_cast<uint8_t>(crc & 0xFF));
+    return body;
+}
+
+// The 5-byte prefix some tools put in front of a list: 0x02 and the list's bit count LE.
+inline std::vector<uint8_t> Prefix(const std::vector<uint8_t>& list, uint8_t first = 0x02) {
+    const uint32_t bits = static_cast<uint32_t>(list.size() * 8);
+    std::vector<uint8_t> out = {first, static_cast<uint8_t>(bits), static_cast<uint8_t>(bits >> 8),
+                                static_cast<uint8_t>(bits >> 16), static_cast<uint8_t>(bits >> 24)};
+    out.insert(out.end(), list.begin(), list.end());
+    return out;
+}
+
+}  // namespace Tarn::Test
