@@ -19,10 +19,10 @@ struct Target {
 };
 
 constexpr Target kTargets[] = {
-    {Tarn::FileKind::Mspl, "f.mspl"},      {Tarn::FileKind::Bst3Gpp, "f.Bst3Gpp"},
-    {Tarn::FileKind::Mlpl, "f.mlpl"},      {Tarn::FileKind::Plmn, "f.ehplmn"},
-    {Tarn::FileKind::Plmn, "f.oplmn"},     {Tarn::FileKind::Plmn, "f.uplmn"},
-    {Tarn::FileKind::TechOrder, "f.tot"},  {Tarn::FileKind::Laf, "f.laf"},
+    {Tarn::FileKind::Mspl, "f.mspl"},     {Tarn::FileKind::Bst3Gpp, "f.Bst3Gpp"},
+    {Tarn::FileKind::Mlpl, "f.mlpl"},     {Tarn::FileKind::Plmn, "f.ehplmn"},
+    {Tarn::FileKind::Plmn, "f.oplmn"},    {Tarn::FileKind::Plmn, "f.uplmn"},
+    {Tarn::FileKind::TechOrder, "f.tot"}, {Tarn::FileKind::Laf, "f.laf"},
 };
 
 const std::vector<Tarn::FileKindInfo>& Kinds() {

@@ -84,8 +84,8 @@ void AddMmssFileKinds(std::vector<FileKindInfo>& kinds) {
     kinds.push_back(MakeKind<Mlpl::Document>(FileKind::Mlpl, "MLPL", {"mlpl"},
                                              "Mlpl Files (*.mlpl)", {"MLPL"}));
     kinds.push_back(PlmnKind());
-    kinds.push_back(MakeKind<TechOrder::Document>(FileKind::TechOrder, "Technology Order",
-                                                  {"tot"}, "Technology Order (*.tot)", {"TOT"}));
+    kinds.push_back(MakeKind<TechOrder::Document>(FileKind::TechOrder, "Technology Order", {"tot"},
+                                                  "Technology Order (*.tot)", {"TOT"}));
     kinds.push_back(MakeKind<LAF::LafDocument>(FileKind::Laf, "LTE Available", {"laf"},
                                                "LTE Available (*.laf)", {"LAF"}));
 }

@@ -21,10 +21,10 @@ uint64_t BitsLeft(const CRLFile& file) {
 
 void Require(const CRLFile& file, uint64_t bits, const char* what) {
     if (BitsLeft(file) < bits)
-        throw CDataException(DataError::PrematureEof,
-                             std::string("(") + what + " at byte " +
-                                 std::to_string(file.GetPosition()) + " of " +
-                                 std::to_string(file.GetLength()) + ")");
+        throw CDataException(DataError::PrematureEof, std::string("(") + what + " at byte " +
+                                                          std::to_string(file.GetPosition()) +
+                                                          " of " +
+                                                          std::to_string(file.GetLength()) + ")");
 }
 
 uint32_t Take(CRLFile& file, int width, const char* what) {
@@ -80,7 +80,9 @@ bool IsDigits(const std::string& text) {
            std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-std::string Decimal(long long value) { return std::to_string(value); }
+std::string Decimal(long long value) {
+    return std::to_string(value);
+}
 
 void CheckHeaderValue(const std::string& value, long long high, const std::string& missing,
                       const std::string& invalid, std::vector<std::string>& problems) {
@@ -204,9 +206,9 @@ int NameCell(const Grid& grid, int column, int row, const CNameList& names, int 
     if (names.FindValue(text, value)) return value;
     int low = 0, high = 0;
     if (!names.Entries().empty()) {
-        const auto [lo, hi] = std::minmax_element(
-            names.Entries().begin(), names.Entries().end(),
-            [](const auto& a, const auto& b) { return a.first < b.first; });
+        const auto [lo, hi] =
+            std::minmax_element(names.Entries().begin(), names.Entries().end(),
+                                [](const auto& a, const auto& b) { return a.first < b.first; });
         low = lo->first;
         high = hi->first;
     }

@@ -85,6 +85,8 @@ std::string Document::LoadNotice() const {
     return data.RecordCount() == 0 ? FormatMessage(Msg::NoBstRecordsInFile) : std::string();
 }
 
-unsigned Document::SaveFailedMessage() const { return Msg::ErrorSavingBst; }
+unsigned Document::SaveFailedMessage() const {
+    return Msg::ErrorSavingBst;
+}
 
 }  // namespace Tarn::Bst3Gpp

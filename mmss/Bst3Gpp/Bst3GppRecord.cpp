@@ -16,7 +16,9 @@ namespace {
 constexpr DataError kError = DataError::InvalidAcqTable;
 constexpr const char* kBadBandChannelType = "Invalid Band Channel Type. Should be Type1 only";
 
-const CNameList& RatIds() { return Mmss::NameTables::Instance().RatId(); }
+const CNameList& RatIds() {
+    return Mmss::NameTables::Instance().RatId();
+}
 
 bool ParseRatId(const std::string& text, uint8_t& ratId) {
     int value = 0;
@@ -119,7 +121,8 @@ void Record::WriteToGrid(Grid& grid, int row) const {
     for (const auto& band : bands) {
         grid.SetCellText(column++, row, std::to_string(band.bandId));
         grid.SetCellText(column++, row, std::to_string(band.channels.size()));
-        for (uint16_t channel : band.channels) grid.SetCellText(column++, row, std::to_string(channel));
+        for (uint16_t channel : band.channels)
+            grid.SetCellText(column++, row, std::to_string(channel));
     }
 }
 
@@ -202,7 +205,8 @@ void Record::ToJson(nlohmann::json& out) const {
 void Record::FromJson(const nlohmann::json& in) {
     Record r;
     r.ratId = static_cast<uint8_t>(Mmss::JsonUInt(in, "ratId", 255, kError));
-    r.bandChannelType = static_cast<uint8_t>(Mmss::JsonUIntOr(in, "bandChannelType", 255, 1, kError));
+    r.bandChannelType =
+        static_cast<uint8_t>(Mmss::JsonUIntOr(in, "bandChannelType", 255, 1, kError));
     if (in.contains("bands")) {
         const auto& list = Mmss::JsonArray(in, "bands", kError);
         if (list.size() > 255) throw CDataException(kError, "(bands holds more than 255 bands)");

@@ -60,6 +60,8 @@ void LafDocument::Save(CRLFile& file) const {
 }
 
 // The LTE available file has no save message of its own; the general one fits.
-unsigned LafDocument::SaveFailedMessage() const { return Msg::ErrorWritingFile; }
+unsigned LafDocument::SaveFailedMessage() const {
+    return Msg::ErrorWritingFile;
+}
 
 }  // namespace Tarn::LAF

@@ -9,8 +9,8 @@ void LafFileData::Read(const std::vector<uint8_t>& bytes) {
     for (size_t i = 0; i < bytes.size(); ++i) {
         const uint8_t b = bytes[i];
         if ((b < 0x20 && b != '\t' && b != '\r' && b != '\n') || b > 0x7E)
-            throw Mmss::FormatError("This is not an LTE available file: byte " +
-                                    std::to_string(i) + " is not text.");
+            throw Mmss::FormatError("This is not an LTE available file: byte " + std::to_string(i) +
+                                    " is not text.");
     }
     records.Clear();
     std::string line;

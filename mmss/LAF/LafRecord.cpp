@@ -14,7 +14,9 @@ namespace {
 
 constexpr DataError kError = DataError::InvalidSystem;
 
-bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool IsSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 // One "%u" conversion as the C library performs it: blanks, an optional sign, at least one
 // digit; a minus wraps modulo 2^32 and a value too large for 32 bits reads as the largest one.
@@ -62,8 +64,7 @@ std::string LafRecord::Format() const {
            ",BID=" + std::to_string(bid) + ",CNT=" + std::to_string(cnt);
 }
 
-bool LafRecord::CheckEntry(int column, const std::string& text, unsigned& message,
-                           unsigned& hint) {
+bool LafRecord::CheckEntry(int column, const std::string& text, unsigned& message, unsigned& hint) {
     if (column < kSid || column > kCnt) return true;
     const long long high = column == kCnt ? 255 : 65535;
     if (Mmss::IsDigits(text) && text.size() <= 5 && Mmss::ParseDecimal(text) <= high) return true;
@@ -120,7 +121,9 @@ bool LafRecord::OnGridHeading(Grid& grid, int event) const {
     return true;
 }
 
-std::string LafRecord::ToText() const { return Format() + "\r\n"; }
+std::string LafRecord::ToText() const {
+    return Format() + "\r\n";
+}
 
 void LafRecord::FromText(const std::vector<std::string>& tokens) {
     if (tokens.size() == 1) {
@@ -134,7 +137,8 @@ void LafRecord::FromText(const std::vector<std::string>& tokens) {
         unsigned message = 0, hint = 0;
         if (!CheckEntry(column, tokens[static_cast<size_t>(column)], message, hint))
             throw CDataException(kError, "(" + FormatMessage(message) + ")");
-        values[column] = static_cast<uint32_t>(Mmss::ParseDecimal(tokens[static_cast<size_t>(column)]));
+        values[column] =
+            static_cast<uint32_t>(Mmss::ParseDecimal(tokens[static_cast<size_t>(column)]));
     }
     sid = static_cast<uint16_t>(values[kSid]);
     nid = static_cast<uint16_t>(values[kNid]);

@@ -11,7 +11,9 @@
 namespace Tarn::Mlpl {
 namespace {
 
-std::string Nibbles(uint32_t a, uint32_t b) { return std::to_string(a) + std::to_string(b); }
+std::string Nibbles(uint32_t a, uint32_t b) {
+    return std::to_string(a) + std::to_string(b);
+}
 
 // Three decimal digits of a typed number; anything the checks would refuse is clamped so a
 // write never puts more than a nibble into a nibble.
@@ -98,7 +100,8 @@ uint32_t Location::Read(CRLFile& file) {
 
 uint32_t Location::Write(CRLFile& file) const {
     const bool writesTags = WritesTags();
-    const uint32_t type = (mcc.empty() ? 0u : 1u) | (mnc.empty() ? 0u : 2u) | (writesTags ? 4u : 0u);
+    const uint32_t type =
+        (mcc.empty() ? 0u : 1u) | (mnc.empty() ? 0u : 2u) | (writesTags ? 4u : 0u);
     file.WriteBits(8, type);
     uint32_t bits = 8;
     if (!mcc.empty()) {

@@ -91,6 +91,8 @@ std::string Document::LoadNotice() const {
     return data.records.empty() ? FormatMessage(Msg::NoMlplRecordsInFile) : std::string();
 }
 
-unsigned Document::SaveFailedMessage() const { return Msg::ErrorSavingMlpl; }
+unsigned Document::SaveFailedMessage() const {
+    return Msg::ErrorSavingMlpl;
+}
 
 }  // namespace Tarn::Mlpl

@@ -13,8 +13,8 @@
 #include <nlohmann/json_fwd.hpp>
 #include <vector>
 
-#include "mmss/MmssDocument.h"
 #include "mmss/Mlpl/MlplData.h"
+#include "mmss/MmssDocument.h"
 
 namespace Tarn::Mlpl {
 

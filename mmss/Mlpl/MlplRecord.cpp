@@ -33,7 +33,9 @@ Body BodyOf(uint8_t sysType) {
     }
 }
 
-const CNameList& SysTypes() { return Mmss::NameTables::Instance().SysType(); }
+const CNameList& SysTypes() {
+    return Mmss::NameTables::Instance().SysType();
+}
 
 // RFC 5952: lower-case groups without leading zeros, the longest run of two or more zero groups
 // (the first of equal runs) written as "::".
@@ -143,9 +145,14 @@ uint32_t TextNumber(const std::string& text, uint32_t high, const char* field) {
 
 const std::vector<std::string>& Record::GridHeadings() {
     static const std::vector<std::string> kTitles = {
-        "Sys Type",   "Sid Start", "Nid Start", "Nid Range",
+        "Sys Type",
+        "Sid Start",
+        "Nid Start",
+        "Nid Range",
         "SubnetId[Input format : IPv6 address/no of mask bits]",
-        "PLMN Range", "Mcc",       "Mnc"};
+        "PLMN Range",
+        "Mcc",
+        "Mnc"};
     return kTitles;
 }
 
@@ -183,9 +190,9 @@ uint32_t Record::Read(CRLFile& file) {
         case Body::Subnet: {
             subnetLength = static_cast<uint8_t>(Mmss::Take(file, 8, "MLPL tag subnet length"));
             if (subnetLength > 128)
-                throw CDataException(DataError::InvalidSubnetId,
-                                     "(subnet length " + std::to_string(subnetLength) +
-                                         " is above 128)");
+                throw CDataException(
+                    DataError::InvalidSubnetId,
+                    "(subnet length " + std::to_string(subnetLength) + " is above 128)");
             subnet = {};
             for (unsigned at = 0; at < subnetLength; at += 16) {
                 const int width = static_cast<int>(std::min(16u, subnetLength - at));
@@ -350,8 +357,8 @@ void Record::FromText(const std::vector<std::string>& tokens) {
     const Body body = BodyOf(r.sysType);
     const size_t needed = body == Body::None ? 1 : body == Body::Subnet ? 2 : 4;
     if (tokens.size() < needed)
-        throw CDataException(kError, "(the " + tokens[0] + " tag needs " +
-                                         std::to_string(needed - 1) + " values)");
+        throw CDataException(
+            kError, "(the " + tokens[0] + " tag needs " + std::to_string(needed - 1) + " values)");
     switch (body) {
         case Body::SidNid:
             r.sidStart = static_cast<uint16_t>(TextNumber(tokens[1], 32767, "Sid Start"));
@@ -362,7 +369,8 @@ void Record::FromText(const std::vector<std::string>& tokens) {
             if (!Mmss::ParseMcc(tokens[1], r.mcc))
                 throw CDataException(kError, "(MCC \"" + tokens[1] + "\" is not three digits)");
             if (!Mmss::ParseMnc(tokens[2], r.mnc))
-                throw CDataException(kError, "(MNC \"" + tokens[2] + "\" is not two or three digits)");
+                throw CDataException(kError,
+                                     "(MNC \"" + tokens[2] + "\" is not two or three digits)");
             r.plmnRange = static_cast<uint8_t>(TextNumber(tokens[3], 255, "PLMN Range"));
             break;
         case Body::Subnet: {
@@ -414,7 +422,8 @@ void Record::FromJson(const nlohmann::json& in) {
             if (!Mmss::ParseNibbleText(mccText, false, r.mcc))
                 throw CDataException(kError, "(mcc \"" + mccText + "\" is not three digits)");
             if (!Mmss::ParseNibbleText(mncText, true, r.mnc))
-                throw CDataException(kError, "(mnc \"" + mncText + "\" is not two or three digits)");
+                throw CDataException(kError,
+                                     "(mnc \"" + mncText + "\" is not two or three digits)");
             r.plmnRange = static_cast<uint8_t>(Mmss::JsonUInt(in, "plmnRange", 255, kError));
             break;
         }

@@ -81,6 +81,8 @@ std::string Document::LoadNotice() const {
     return data.RecordCount() == 0 ? FormatMessage(Msg::NoMsplRecordsInFile) : std::string();
 }
 
-unsigned Document::SaveFailedMessage() const { return Msg::ErrorSavingMspl; }
+unsigned Document::SaveFailedMessage() const {
+    return Msg::ErrorSavingMspl;
+}
 
 }  // namespace Tarn::Mspl

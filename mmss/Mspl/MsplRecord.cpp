@@ -13,7 +13,9 @@ namespace {
 
 constexpr DataError kError = DataError::InvalidSysTable;
 
-const Mmss::NameTables& Names() { return Mmss::NameTables::Instance(); }
+const Mmss::NameTables& Names() {
+    return Mmss::NameTables::Instance();
+}
 
 int ByName(const CNameList& names, const std::string& name) {
     int value = 0;
@@ -93,10 +95,9 @@ bool Record::OnGridHeading(Grid& grid, int event) const {
 
 std::string Record::ToText() const {
     const auto& n = Names();
-    std::string line = n.SysType().GetName(sysType) + "\t" +
-                       n.PriorityClass().GetName(priorityClass) + "\t\t" +
-                       n.SysPri().GetName(sysPri) + "\t" + n.SearchTime().GetName(searchTime) +
-                       "\t\t";
+    std::string line =
+        n.SysType().GetName(sysType) + "\t" + n.PriorityClass().GetName(priorityClass) + "\t\t" +
+        n.SysPri().GetName(sysPri) + "\t" + n.SearchTime().GetName(searchTime) + "\t\t";
     if (networkCap != 0)
         line += "Network_Cap_Not_Present";
     else
@@ -117,8 +118,8 @@ void Record::FromText(const std::vector<std::string>& tokens) {
         r.networkCap = 1;
     } else {
         if (tokens.size() < 6)
-            throw CDataException(kError, "(the Network Cap name is missing after \"" +
-                                             tokens[4] + "\")");
+            throw CDataException(kError,
+                                 "(the Network Cap name is missing after \"" + tokens[4] + "\")");
         r.networkCap = static_cast<uint8_t>(ByName(n.NetworkCap(), tokens[5]));
     }
     *this = r;

@@ -9,7 +9,9 @@ std::string Data::KindName() const {
     return names.HasValue(listKind) ? names.GetName(listKind) : std::string();
 }
 
-std::string Data::GridTitle() const { return KindName() + " Records"; }
+std::string Data::GridTitle() const {
+    return KindName() + " Records";
+}
 
 Record& Data::AddRecord() {
     auto record = std::make_unique<Record>(listKind);

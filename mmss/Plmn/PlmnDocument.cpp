@@ -77,6 +77,8 @@ std::string Document::LoadNotice() const {
     return data.records.IsEmpty() ? FormatMessage(Msg::NoPlmnRecordsInFile) : std::string();
 }
 
-unsigned Document::SaveFailedMessage() const { return Msg::ErrorSavingPlmn; }
+unsigned Document::SaveFailedMessage() const {
+    return Msg::ErrorSavingPlmn;
+}
 
 }  // namespace Tarn::Plmn

@@ -20,9 +20,13 @@ namespace Tarn::Plmn {
 
 // 1 EHPLMN, 2 OPLMN, 3 UPLMN; anything else is "not set".
 enum ListKind : uint8_t { kUnset = 0, kEhplmn = 1, kOplmn = 2, kUplmn = 3 };
-inline bool HasAccessBytes(uint8_t kind) { return kind == kOplmn || kind == kUplmn; }
+inline bool HasAccessBytes(uint8_t kind) {
+    return kind == kOplmn || kind == kUplmn;
+}
 // 3 bytes for EHPLMN, 5 for the others.
-inline unsigned RecordBytes(uint8_t kind) { return HasAccessBytes(kind) ? 5 : 3; }
+inline unsigned RecordBytes(uint8_t kind) {
+    return HasAccessBytes(kind) ? 5 : 3;
+}
 
 class Record : public CRLItem {
 public:

@@ -31,7 +31,9 @@ std::vector<std::string> Header::Check() const {
     return problems;
 }
 
-void Data::AddRecord() { records.Add(std::make_unique<Record>()); }
+void Data::AddRecord() {
+    records.Add(std::make_unique<Record>());
+}
 
 uint32_t Data::Read(CRLFile& file) {
     records.Clear();

@@ -67,6 +67,8 @@ std::string Document::LoadNotice() const {
     return data.records.IsEmpty() ? FormatMessage(Msg::NoTotRecordsInFile) : std::string();
 }
 
-unsigned Document::SaveFailedMessage() const { return Msg::ErrorSavingTot; }
+unsigned Document::SaveFailedMessage() const {
+    return Msg::ErrorSavingTot;
+}
 
 }  // namespace Tarn::TechOrder

@@ -13,7 +13,9 @@ namespace {
 
 constexpr DataError kError = DataError::InvalidAcqType;
 
-const CNameList& RatIds() { return Mmss::NameTables::Instance().RatId(); }
+const CNameList& RatIds() {
+    return Mmss::NameTables::Instance().RatId();
+}
 
 }  // namespace
 
@@ -40,7 +42,9 @@ bool Record::OnGridHeading(Grid& grid, int event) const {
     return true;
 }
 
-std::string Record::ToText() const { return RatIds().GetName(ratId) + "\r\n"; }
+std::string Record::ToText() const {
+    return RatIds().GetName(ratId) + "\r\n";
+}
 
 void Record::FromText(const std::vector<std::string>& tokens) {
     if (tokens.empty()) throw CDataException(kError, "(the Rat Id is missing)");

@@ -35,13 +35,14 @@ TEST(Bst3Gpp, EntryLayouts) {
 }
 
 TEST(Bst3Gpp, UnsupportedTypesStopTheRead) {
-    EXPECT_EQ(ReadError("00 01 00 01 02 00 00 00 00 00"), "Invalid Bst Type. Only Type1 is supported");
+    EXPECT_EQ(ReadError("00 01 00 01 02 00 00 00 00 00"),
+              "Invalid Bst Type. Only Type1 is supported");
     EXPECT_EQ(ReadError("00 01 00 01 01 00 00 01 00 00"),
               "Invalid Extension Inclusion. Only 0 is supported");
     EXPECT_EQ(ReadError("00 01 00 01 01 00 00 00 00 01 09 02"),
               "Invalid Band Channel Type. Should be Type1 only");
-    EXPECT_NE(ReadError("00 01 00 01 01 00 00 00 00 01 09 01 00 05 01 04 02 08 7F").find(
-                  "Premature end of file."),
+    EXPECT_NE(ReadError("00 01 00 01 01 00 00 00 00 01 09 01 00 05 01 04 02 08 7F")
+                  .find("Premature end of file."),
               std::string::npos)
         << "a channel count beyond the end of the file";
 }
@@ -54,7 +55,8 @@ TEST(Bst3Gpp, GridRowCarriesBandsAndChannels) {
     r.WriteToGrid(grid, 0);
     std::vector<std::string> cells;
     for (int c = 0; c < grid.GetColumnCount(); ++c) cells.push_back(grid.GetCellText(c, 0));
-    EXPECT_EQ(cells, (std::vector<std::string>{"42", "1", "2", "4", "2", "2175", "2200", "13", "0"}));
+    EXPECT_EQ(cells,
+              (std::vector<std::string>{"42", "1", "2", "4", "2", "2175", "2200", "13", "0"}));
     r.OnGridHeading(grid, kGridHeadingEvent);
     EXPECT_EQ(grid.GetColumnHeading(3), "BandId(1)");
     EXPECT_EQ(grid.GetColumnHeading(6), "Channel 2");
@@ -94,7 +96,12 @@ TEST(Bst3Gpp, SaveChecks) {
         {"1", "1", "1", "", 1, true, {"Invalid Bst ExtensionIncl. Only 0 is supported"}},
         {"1", "1", "0", "1000", 1, true, {"Invalid Mcc value in Tab 2The range is 0 - 999"}},
         {"1", "1", "0", "", 3, true, {"Invalid Band Channel Type. Should be Type1 only"}},
-        {"1", "1", "0", "", 1, false,
+        {"1",
+         "1",
+         "0",
+         "",
+         1,
+         false,
          {"A valid Technology Order List needs at least one 3GPP BST record."}},
     };
     for (const auto& c : cases) {

@@ -8,7 +8,9 @@
 namespace Tarn {
 namespace {
 
-std::vector<uint8_t> Bytes(const std::string& s) { return {s.begin(), s.end()}; }
+std::vector<uint8_t> Bytes(const std::string& s) {
+    return {s.begin(), s.end()};
+}
 
 TEST(Laf, LinesParseOrBecomeZeroRecords) {
     struct Case {
@@ -39,9 +41,10 @@ TEST(Laf, LinesParseOrBecomeZeroRecords) {
 }
 
 TEST(Laf, EmptyLinesAreSkippedWhateverTheLineEnds) {
-    for (const char* text : {"SID=1,NID=2,BID=3,CNT=4\r\nSID=5,NID=6,BID=7,CNT=8\r\n",
-                             "SID=1,NID=2,BID=3,CNT=4\nSID=5,NID=6,BID=7,CNT=8",
-                             "\r\n\r\nSID=1,NID=2,BID=3,CNT=4\r\r  \r\nSID=5,NID=6,BID=7,CNT=8\n\n"}) {
+    for (const char* text :
+         {"SID=1,NID=2,BID=3,CNT=4\r\nSID=5,NID=6,BID=7,CNT=8\r\n",
+          "SID=1,NID=2,BID=3,CNT=4\nSID=5,NID=6,BID=7,CNT=8",
+          "\r\n\r\nSID=1,NID=2,BID=3,CNT=4\r\r  \r\nSID=5,NID=6,BID=7,CNT=8\n\n"}) {
         auto doc = LAF::LafDocument::FromBytes(Bytes(text));
         EXPECT_EQ(doc->RenderText(), "SID=1,NID=2,BID=3,CNT=4\r\nSID=5,NID=6,BID=7,CNT=8\r\n");
     }
@@ -73,9 +76,8 @@ TEST(Laf, GridEntriesAreCheckedStrictly) {
         unsigned hint;
     };
     const Case cases[] = {
-        {0, "65535", 0, 0},     {0, "65536", 236, 235}, {1, "x1", 237, 235},
-        {2, "-1", 238, 235},    {3, "255", 0, 0},       {3, "256", 239, 240},
-        {3, " 1", 239, 240},
+        {0, "65535", 0, 0}, {0, "65536", 236, 235}, {1, "x1", 237, 235}, {2, "-1", 238, 235},
+        {3, "255", 0, 0},   {3, "256", 239, 240},   {3, " 1", 239, 240},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);

@@ -66,13 +66,28 @@ TEST(Mlpl, TagBodiesAndTagSizes) {
         std::vector<uint8_t> bytes;
     };
     const Case cases[] = {
-        {"SID/NID", [](Mlpl::Record& t) { t.sysType = 3; t.sidStart = 0x7FFF; t.nidStart = 0x1234; t.nidRange = 9; },
+        {"SID/NID",
+         [](Mlpl::Record& t) {
+             t.sysType = 3;
+             t.sidStart = 0x7FFF;
+             t.nidStart = 0x1234;
+             t.nidRange = 9;
+         },
          40, Hex("03 28 7F FF 12 34 09")},
-        {"PLMN 311-480 in 3GPP nibble order", [](Mlpl::Record& t) {
-             t.sysType = 7; t.mcc = {3, 1, 1}; t.mnc = {4, 8, 0}; t.plmnRange = 2; },
+        {"PLMN 311-480 in 3GPP nibble order",
+         [](Mlpl::Record& t) {
+             t.sysType = 7;
+             t.mcc = {3, 1, 1};
+             t.mnc = {4, 8, 0};
+             t.plmnRange = 2;
+         },
          32, Hex("07 20 13 01 84 02")},
-        {"20-bit subnet: 8 + 20 + 4 bits", [](Mlpl::Record& t) {
-             t.sysType = 4; bool bad; ASSERT_TRUE(t.SetSubnetText("abcd:e000::/20", bad)); },
+        {"20-bit subnet: 8 + 20 + 4 bits",
+         [](Mlpl::Record& t) {
+             t.sysType = 4;
+             bool bad;
+             ASSERT_TRUE(t.SetSubnetText("abcd:e000::/20", bad));
+         },
          32, Hex("04 20 14 AB CD E0")},
         {"WiMAX has no body", [](Mlpl::Record& t) { t.sysType = 2; }, 0, Hex("02 00")},
     };
@@ -203,13 +218,18 @@ TEST(Mlpl, TabChecksUseTheTabNumberAndTheirBounds) {
     const Case cases[] = {
         {"310", "26", "0", ""},
         {"", "FFF", "255", ""},
-        {"1000", "", "1", "The value of MCC in Tab-2 is out of range.\nThe range for this input is 0 - 999"},
-        {"31a", "", "1", "The value of MCC in Tab-2 is out of range.\nThe range for this input is 0 - 999"},
+        {"1000", "", "1",
+         "The value of MCC in Tab-2 is out of range.\nThe range for this input is 0 - 999"},
+        {"31a", "", "1",
+         "The value of MCC in Tab-2 is out of range.\nThe range for this input is 0 - 999"},
         {"31", "", "1", "Mcc value in Tab-2 is not in 3-digit format"},
-        {"", "1000", "1", "The value of MNC in Tab-2 is out of range.\nThe range for this input is 0 - 999 or FFF"},
+        {"", "1000", "1",
+         "The value of MNC in Tab-2 is out of range.\nThe range for this input is 0 - 999 or FFF"},
         {"", "1", "1", "Mnc value in Tab-2 is neither in 2-digit format nor in 3-digit format"},
-        {"", "", "", "MsplIndex field in Tab-2 is out of range or empty.\nThe range for this input is 0 - 255"},
-        {"", "", "256", "MsplIndex field in Tab-2 is out of range or empty.\nThe range for this input is 0 - 255"},
+        {"", "", "",
+         "MsplIndex field in Tab-2 is out of range or empty.\nThe range for this input is 0 - 255"},
+        {"", "", "256",
+         "MsplIndex field in Tab-2 is out of range or empty.\nThe range for this input is 0 - 255"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.message);
@@ -227,10 +247,10 @@ TEST(Mlpl, TabChecksUseTheTabNumberAndTheirBounds) {
     Mlpl::Document doc;
     std::vector<std::string> messages;
     for (const auto& p : doc.Check()) messages.push_back(p.message);
-    EXPECT_EQ(messages, (std::vector<std::string>{
-                            "Mmss Revision Value is Missing", "Mlpl Version Value is Missing",
-                            "Mlpl Id Value is Missing",
-                            "A valid Roaming List needs at least one Mlpl record."}));
+    EXPECT_EQ(messages,
+              (std::vector<std::string>{"Mmss Revision Value is Missing",
+                                        "Mlpl Version Value is Missing", "Mlpl Id Value is Missing",
+                                        "A valid Roaming List needs at least one Mlpl record."}));
 }
 
 }  // namespace

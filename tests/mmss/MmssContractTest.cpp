@@ -38,7 +38,8 @@ std::vector<std::vector<uint8_t>> Damaged(const std::vector<uint8_t>& good, Dama
     std::vector<std::vector<uint8_t>> bad;
     switch (damage) {
         case Damage::EveryPrefix:
-            for (size_t n = 0; n < good.size(); ++n) bad.emplace_back(good.begin(), good.begin() + n);
+            for (size_t n = 0; n < good.size(); ++n)
+                bad.emplace_back(good.begin(), good.begin() + n);
             break;
         case Damage::ShortOfOneRecord:
             bad.push_back({});

@@ -15,8 +15,9 @@ TEST(MmssFrame, HeaderStringsParseLikeTheFormsDo) {
         long long value;
     };
     const Case cases[] = {
-        {"17", 17},  {"  42", 42}, {"-3", -3},  {"+8", 8},  {"12abc", 12},
-        {"abc", 0},  {"", 0},      {"007", 7},  {"99999999999999999999999", 1'000'000'000'000'000LL},
+        {"17", 17}, {"  42", 42},  {"-3", -3},
+        {"+8", 8},  {"12abc", 12}, {"abc", 0},
+        {"", 0},    {"007", 7},    {"99999999999999999999999", 1'000'000'000'000'000LL},
     };
     for (const auto& c : cases) EXPECT_EQ(Mmss::ParseDecimal(c.text), c.value) << c.text;
 }
@@ -39,7 +40,8 @@ TEST(MmssFrame, RecordListOfZeroRecordsIsOneCountByte) {
     EXPECT_EQ(file.Bytes(), std::vector<uint8_t>{0});
     file.Seek(0);
     CRLItemList back;
-    EXPECT_EQ(Mmss::ReadRecordList(file, back, [] { return std::make_unique<Mspl::Record>(); }), 8u);
+    EXPECT_EQ(Mmss::ReadRecordList(file, back, [] { return std::make_unique<Mspl::Record>(); }),
+              8u);
     EXPECT_TRUE(back.IsEmpty());
 
     for (int i = 0; i < 256; ++i) list.Add(std::make_unique<Mspl::Record>());

@@ -28,8 +28,8 @@ TEST(Mspl, RecordIs23BitsWithNetworkCapAnd17Without) {
     // SYS_TYPE 7, PRI_CLASS 15, SYS_PRI 1, SRCH 2, then the capability fields.
     const Case cases[] = {
         {0, 23, Hex("83 FD 40")},  // 1 | 00000111 1111 1 010 1 000000
-        {1, 17, Hex("83 FD 00")},     // 1 | 00000111 1111 1 010 0
-        {5, 17, Hex("83 FD 00")},     // an unnamed capability is written as "none"
+        {1, 17, Hex("83 FD 00")},  // 1 | 00000111 1111 1 010 0
+        {5, 17, Hex("83 FD 00")},  // an unnamed capability is written as "none"
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(int(c.networkCap));
@@ -93,8 +93,10 @@ TEST(Mspl, UnnamedNetworkCapShowsInvalidAndIsSavedWithoutIt) {
 TEST(Mspl, GridRowReadsByNameAndStopsAtTheFirstEmptyCell) {
     Mspl::Record r;
     MemoryGrid grid(Mspl::Record::kTableName, 5, 3);
-    for (int col = 0; col < 5; ++col) grid.SetCellText(col, 2, std::vector<std::string>{
-        "GERAN", "Any", "More", "8-minute", "Voice-And-Data"}[col]);
+    for (int col = 0; col < 5; ++col)
+        grid.SetCellText(
+            col, 2,
+            std::vector<std::string>{"GERAN", "Any", "More", "8-minute", "Voice-And-Data"}[col]);
     r.ReadFromGrid(grid, 2, {});
     EXPECT_EQ(r.sysType, 5);
     EXPECT_EQ(r.priorityClass, 15);
@@ -139,7 +141,8 @@ TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
     };
     const Case cases[] = {
         {{"", "1"}, {"1"}, {"Mmss Revision Value is Missing"}},
-        {{"256", "65536"}, {"1"},
+        {{"256", "65536"},
+         {"1"},
          {"Invalid Mmss Revision Value. Range is 0 - 255",
           "Invalid Mspl Version Value.Range is 0 - 65535"}},
         {{"1", ""}, {"1"}, {"Mspl Version Value is missing"}},

@@ -102,10 +102,10 @@ TEST(Plmn, GridCellsAreCheckedForTheirFormat) {
         int column;
     };
     const Case cases[] = {
-        {"310", "26", 0, 0},    {"310", "260", 0, 0},  {"310", "F1", 0, 0}, {"310", "fff", 0, 0},
-        {"", "26", 140, 0},     {"310", "", 140, 1},   {"31", "26", 61453, 0},
-        {"31F", "26", 61453, 0}, {"310", "2", 61458, 1}, {"310", "2604", 61458, 1},
-        {"310", "2x", 61458, 1},
+        {"310", "26", 0, 0},       {"310", "260", 0, 0},    {"310", "F1", 0, 0},
+        {"310", "fff", 0, 0},      {"", "26", 140, 0},      {"310", "", 140, 1},
+        {"31", "26", 61453, 0},    {"31F", "26", 61453, 0}, {"310", "2", 61458, 1},
+        {"310", "2604", 61458, 1}, {"310", "2x", 61458, 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.mcc) + "/" + c.mnc);
@@ -130,8 +130,9 @@ TEST(Plmn, GridCellsAreCheckedForTheirFormat) {
     try {
         Plmn::Record(Plmn::kEhplmn).ReadFromGrid(grid, 0, {});
     } catch (const GridError& e) {
-        EXPECT_EQ(e.Text(), "Invalid MCC in column 0, row 0 of the Plmn Table. The MCC format "
-                            "should be three decimal digits.");
+        EXPECT_EQ(e.Text(),
+                  "Invalid MCC in column 0, row 0 of the Plmn Table. The MCC format "
+                  "should be three decimal digits.");
     }
 }
 
@@ -141,9 +142,9 @@ TEST(Plmn, ListKindComesFromASubstringOfThePath) {
         int kind;
     };
     const Case cases[] = {
-        {"list.ehplmn", 1},          {"list.EHPLMN.bak", 1}, {"list.Ehplmn", 0},
-        {"C:\\sim\\a.oplmn", 2},     {"a.UPLMN", 3},         {"a.uplmn.oplmn", 3},
-        {"x.oplmn/y.ehplmn", 1},     {"ehplmn", 0},          {"", 0},
+        {"list.ehplmn", 1},      {"list.EHPLMN.bak", 1}, {"list.Ehplmn", 0},
+        {"C:\\sim\\a.oplmn", 2}, {"a.UPLMN", 3},         {"a.uplmn.oplmn", 3},
+        {"x.oplmn/y.ehplmn", 1}, {"ehplmn", 0},          {"", 0},
     };
     for (const auto& c : cases) EXPECT_EQ(Mmss::PlmnListKindFromPath(c.path), c.kind) << c.path;
 }
