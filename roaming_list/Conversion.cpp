@@ -18,19 +18,6 @@ using nlohmann::json;
 constexpr uint8_t kGeoNew = 0;
 constexpr uint8_t kGeoSame = 1;
 
-// Until the record classes land, geography travels through the JSON form.
-unsigned GeographyOf(const CSysItem& item) {
-    json j;
-    item.ToJson(j);
-    return j.value("geography", 0u);
-}
-void SetGeographyOf(CSysItem& item, unsigned value) {
-    json j;
-    item.ToJson(j);
-    j["geography"] = value;
-    item.FromJson(j);
-}
-
 std::string Shown(const json& object, const std::string& key) {
     const auto name = object.find(key + "Name");
     if (name != object.end() && name->is_string()) return name->get<std::string>();
@@ -215,7 +202,7 @@ ConversionResult ConvertRoamingList(const CRLData& source, int fromVersion, int 
     for (size_t i = 0; i < sysIn.GetSize(); ++i) {
         const auto* sys = dynamic_cast<const CSysItem*>(sysIn.GetAt(i));
         if (!sys) continue;
-        if (GeographyOf(*sys) == kGeoNew) regionKept = false;
+        if (sys->GetGeography() == kGeoNew) regionKept = false;
         const std::string what = "system record " + std::to_string(i) + " (" +
                                  TypeName(kSysFamily, sys->GetSysType(), fromVersion) + ")";
         const unsigned acqIndex = sys->GetAcqIndex();
@@ -236,8 +223,8 @@ ConversionResult ConvertRoamingList(const CRLData& source, int fromVersion, int 
         }
         // A region is the run of records from a "New" one through the "Same" ones after it; when
         // its first records were dropped, the first one kept begins it.
-        if (!regionKept && GeographyOf(*carried) == kGeoSame) {
-            SetGeographyOf(*carried, kGeoNew);
+        if (!regionKept && carried->GetGeography() == kGeoSame) {
+            carried->SetGeography(kGeoNew);
             converter.Note(what + ": geography Same -> New (the record that began its region was "
                                   "dropped)");
         }
