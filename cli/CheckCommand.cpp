@@ -4,6 +4,7 @@
 #include "cli/Command.h"
 #include "formats/FileKinds.h"
 #include "foundation/MessageTable.h"
+#include "roaming_list/ConcatPrl.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
 
@@ -36,6 +37,14 @@ bool CheckOne(const std::string& path) {
         return false;
     }
     DetectResult result = DetectVersion(file);
+    size_t firstLength = 0;
+    if (!result.manager &&
+        CheckConcatenatedPrl(file.Bytes().data(), file.Bytes().size(), firstLength)) {
+        std::cout << path << ": Concatenated PRL file, outer CRC valid, first list " << firstLength
+                  << " bytes, second list " << file.Bytes().size() - firstLength - 2
+                  << " bytes (split it to edit the lists)\n";
+        return true;
+    }
     if (!result.manager) {
         std::cout << path << ": " << MessageText(Msg::NotRecognizedFormat);
         if (result.sizeAndCrcValid) std::cout << " (size and CRC hold; " << result.error << ")";

@@ -15,23 +15,10 @@
 namespace Tarn {
 namespace {
 
-// Stands in for an acquisition record: only its type matters to a system record.
-class StubAcq : public CAcqItem {
-public:
-    explicit StubAcq(uint8_t type) : type_(type) {}
-    uint8_t GetAcqType() const override { return type_; }
-    bool IsValid() const override { return true; }
-    uint32_t Read(CRLFile&) override { return 0; }
-    uint32_t Write(CRLFile&) const override { return 0; }
-    std::unique_ptr<CRLItem> Clone() const override { return std::make_unique<StubAcq>(*this); }
-
-private:
-    uint8_t type_;
-};
-
+// An acquisition table of real records of the given types (all exist in IS-683E).
 CRLItemList AcqTable(const std::vector<uint8_t>& types) {
     CRLItemList list;
-    for (uint8_t type : types) list.Add(std::make_unique<StubAcq>(type));
+    for (uint8_t type : types) list.Add(CreateAcqItem(type, 5));
     return list;
 }
 
