@@ -124,8 +124,15 @@ public:
             changes_.push_back(what + " dropped: " + toName_ + " cannot carry it");
             return nullptr;
         }
+        // Compared is what a save in each version holds, so values a record keeps only until it
+        // is written (a 1x-MCC record's SID and NID are made from its MCC when written) do not
+        // count as changes.
         json before;
-        source.ToJson(before);
+        if (auto saved = ThroughFile(family, source, from_)) {
+            saved->ToJson(before);
+        } else {
+            source.ToJson(before);
+        }
         try {
             target->FromJson(before);
         } catch (const std::exception& e) {
