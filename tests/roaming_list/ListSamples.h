@@ -38,23 +38,16 @@ inline std::string Lines(const std::vector<std::string>& records) {
 }
 
 // The text exactly as the renderer writes it (every record's fields end in a tab).
-inline std::string Text(const std::string& typeName, const std::vector<std::string>& acq,
-                        const std::vector<std::string>& sys) {
-    return Header(typeName) + kAcqHead + Lines(acq) + kSysHead + Lines(sys);
-}
 inline std::string Text(int version, const std::vector<std::string>& acq,
                         const std::vector<std::string>& sys) {
-    return Text(VersionName(version), acq, sys);
+    return Header(VersionName(version)) + kAcqHead + Lines(acq) + kSysHead + Lines(sys);
 }
 
-inline std::unique_ptr<CRLData> Read(const std::string& text) {
-    TextDetectResult r = DetectTextVersion(text);
-    if (!r.data) throw std::runtime_error("sample text does not read: " + r.error);
-    return std::move(r.data);
-}
 inline std::unique_ptr<CRLData> List(int version, const std::vector<std::string>& acq,
                                      const std::vector<std::string>& sys) {
-    return Read(Text(version, acq, sys));
+    TextDetectResult r = DetectTextVersion(Text(version, acq, sys));
+    if (!r.data) throw std::runtime_error("sample text does not read: " + r.error);
+    return std::move(r.data);
 }
 
 // The bytes a save in `version` writes; empty when the manager refuses the list.
