@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string_view>
 
 #include "roaming_list/AcqItem.h"
-#include "roaming_list/DataException.h"
 #include "roaming_list/NameTables.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
@@ -205,11 +205,17 @@ ConversionResult ConvertRoamingList(const CRLData& source, int fromVersion, int 
 
     const CRLItemList& sysIn = source.GetSysTable().Items();
     CRLItemList& sysOut = data->GetSysTable().Items();
-    bool regionKept = false;  // whether the region of the current record has a kept record yet
+    // A region is the run of records from a "New" one through the "Same" ones after it. When its
+    // first records are dropped, the first one kept begins it.
+    bool regionKept = false;     // the current region has a kept record
+    bool regionDropped = false;  // a record of the current region was dropped before any was kept
     for (size_t i = 0; i < sysIn.GetSize(); ++i) {
         const auto* sys = dynamic_cast<const CSysItem*>(sysIn.GetAt(i));
-        if (!sys) continue;
-        if (sys->GetGeography() == kGeoNew) regionKept = false;
+        if (!sys) {
+            converter.Note("system record " + std::to_string(i) + " dropped: not a system record");
+            continue;
+        }
+        if (sys->GetGeography() == kGeoNew) regionKept = regionDropped = false;
         const std::string what = "system record " + std::to_string(i) + " (" +
                                  TypeName(kSysFamily, sys->GetSysType(), fromVersion) + ")";
         const unsigned acqIndex = sys->GetAcqIndex();
@@ -218,19 +224,21 @@ ConversionResult ConvertRoamingList(const CRLData& source, int fromVersion, int 
         if (inRange && !newIndex[acqIndex]) {
             converter.Note(what + " dropped: its acquisition record " + std::to_string(acqIndex) +
                            " was dropped");
+            regionDropped = regionDropped || !regionKept;
             continue;
         }
         std::unique_ptr<CRLItem> item = converter.Carry(kSysFamily, *sys, i);
-        if (!item) continue;
+        if (!item) {
+            regionDropped = regionDropped || !regionKept;
+            continue;
+        }
         auto* carried = dynamic_cast<CSysItem*>(item.get());
         if (inRange && *newIndex[acqIndex] != acqIndex) {
             carried->SetAcqIndex(*newIndex[acqIndex]);
             converter.Note(what + ": acquisition index " + std::to_string(acqIndex) + " -> " +
                            std::to_string(*newIndex[acqIndex]));
         }
-        // A region is the run of records from a "New" one through the "Same" ones after it; when
-        // its first records were dropped, the first one kept begins it.
-        if (!regionKept && carried->GetGeography() == kGeoSame) {
+        if (!regionKept && regionDropped && carried->GetGeography() == kGeoSame) {
             carried->SetGeography(kGeoNew);
             converter.Note(what + ": geography Same -> New (the record that began its region was "
                                   "dropped)");

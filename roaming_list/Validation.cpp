@@ -102,6 +102,9 @@ ValidationResult ReadTable(const Grid& grid, const CNameList& types, const CRLIt
             result.issues.push_back(FromGridError(e));
         } catch (const CDataException& e) {
             result.issues.push_back(FromDataError(e, table, row));
+        } catch (const std::exception& e) {
+            // Not a failure any record raises on purpose, but a row must never end the reading.
+            result.issues.push_back(Issue(0, e.what(), table, row));
         }
     }
     return result;
