@@ -70,12 +70,12 @@ test: test-normal test-asan
 # Benchmarks need no editor, so no Qt. -O2 rather than CMake's -O3: GCC 12 at -O3 raises false
 # -Wrestrict errors inside std::string.
 bench: deps
-	cmake -S . -B $(BENCH_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG" -DTARN_BUILD_BENCH=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=OFF
+	cmake -S . -B $(BENCH_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG" -DTARN_BUILD_BENCH=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=$(GUI)
 	cmake --build $(BENCH_BUILD) -j $(JOBS)
 	@for b in $(BENCH_BUILD)/bench/bench_*; do [ -x "$$b" ] && "$$b" || exit 1; done
 
 fuzz: deps
-	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARN_BUILD_FUZZ=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=OFF
+	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARN_BUILD_FUZZ=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=$(GUI)
 	cmake --build $(FUZZ_BUILD) -j $(JOBS)
 
 clean:

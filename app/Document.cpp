@@ -25,18 +25,18 @@ CDocument::CDocument(CDocTemplate& tmpl) : template_(&tmpl) {
 CDocument::~CDocument() = default;
 
 FileDialogSpec CDocument::SaveAsSpec() const {
-    FileDialogSpec spec;
-    spec.title = tr("Save As");
+    FileDialogSpec request;
+    request.title = tr("Save As");
     QString patterns;
     for (const QString& ext :
          template_->GetDocString(DocString::FilterExt).split(';', Qt::SkipEmptyParts))
         patterns += (patterns.isEmpty() ? "*" : ";*") + ext;
-    spec.filter =
+    request.filter =
         template_->GetDocString(DocString::FilterName) + "|" + patterns + "|All Files (*.*)|*.*||";
-    spec.defaultSuffix = template_->GetDocString(DocString::FilterExt).section(';', 0, 0).mid(1);
-    spec.initialPath = path_.isEmpty() ? title_ : path_;
-    spec.fileMustExist = false;
-    return spec;
+    request.defaultSuffix = template_->GetDocString(DocString::FilterExt).section(';', 0, 0).mid(1);
+    request.initialPath = path_.isEmpty() ? title_ : path_;
+    request.fileMustExist = false;
+    return request;
 }
 
 void CDocument::SetPathName(const QString& path) {

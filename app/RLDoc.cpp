@@ -288,10 +288,10 @@ bool CRLDoc::OnSaveDocument(const QString& path) {
 }
 
 FileDialogSpec CRLDoc::SaveAsSpec() const {
-    FileDialogSpec spec = CDocument::SaveAsSpec();
-    spec.filter = CTessaryApp::RoamingListFilter();
-    spec.defaultSuffix = textView_ ? QStringLiteral("txt") : QStringLiteral("prl");
-    return spec;
+    FileDialogSpec request = CDocument::SaveAsSpec();
+    request.filter = CTessaryApp::RoamingListFilter();
+    request.defaultSuffix = textView_ ? QStringLiteral("txt") : QStringLiteral("prl");
+    return request;
 }
 
 void CRLDoc::OnTypeConversion() {

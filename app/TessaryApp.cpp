@@ -398,12 +398,12 @@ QString CTessaryApp::RoamingListFilter() {
 }
 
 void CTessaryApp::OnFileOpen() {
-    FileDialogSpec spec;
-    spec.title = tr("Open");
-    spec.filter = OpenFilter();
-    spec.defaultSuffix = QStringLiteral("prl");
-    spec.fileMustExist = true;
-    const QString path = Prompts().GetOpenFileName(frame_.get(), spec);
+    FileDialogSpec request;
+    request.title = tr("Open");
+    request.filter = OpenFilter();
+    request.defaultSuffix = QStringLiteral("prl");
+    request.fileMustExist = true;
+    const QString path = Prompts().GetOpenFileName(frame_.get(), request);
     if (!path.isEmpty()) OpenDocumentFile(path);
 }
 

@@ -29,15 +29,15 @@ QMessageBox::Icon ToQt(MsgIcon icon) {
     return QMessageBox::NoIcon;
 }
 
-void PrepareFileDialog(QFileDialog& dialog, const FileDialogSpec& spec) {
-    dialog.setWindowTitle(spec.title);
-    dialog.setNameFilters(QtFilterFromDocFilter(spec.filter).split(";;", Qt::SkipEmptyParts));
-    dialog.setDefaultSuffix(spec.defaultSuffix);
+void PrepareFileDialog(QFileDialog& dialog, const FileDialogSpec& request) {
+    dialog.setWindowTitle(request.title);
+    dialog.setNameFilters(QtFilterFromDocFilter(request.filter).split(";;", Qt::SkipEmptyParts));
+    dialog.setDefaultSuffix(request.defaultSuffix);
     dialog.setOption(QFileDialog::ReadOnly, false);
-    if (!spec.initialPath.isEmpty()) {
-        const QFileInfo info(spec.initialPath);
+    if (!request.initialPath.isEmpty()) {
+        const QFileInfo info(request.initialPath);
         if (info.isDir()) {
-            dialog.setDirectory(spec.initialPath);
+            dialog.setDirectory(request.initialPath);
         } else {
             if (info.dir().exists()) dialog.setDirectory(info.dir());
             dialog.selectFile(info.fileName());
@@ -104,21 +104,21 @@ Answer QtPrompts::AskYesNoCancel(QWidget* parent, const QString& text) {
     }
 }
 
-QString QtPrompts::GetOpenFileName(QWidget* parent, const FileDialogSpec& spec) {
+QString QtPrompts::GetOpenFileName(QWidget* parent, const FileDialogSpec& request) {
     QFileDialog dialog(parent);
-    PrepareFileDialog(dialog, spec);
+    PrepareFileDialog(dialog, request);
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(spec.fileMustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    dialog.setFileMode(request.fileMustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
     return dialog.selectedFiles().front();
 }
 
-QString QtPrompts::GetSaveFileName(QWidget* parent, const FileDialogSpec& spec) {
+QString QtPrompts::GetSaveFileName(QWidget* parent, const FileDialogSpec& request) {
     QFileDialog dialog(parent);
-    PrepareFileDialog(dialog, spec);
+    PrepareFileDialog(dialog, request);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite, !spec.overwritePrompt);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
     return dialog.selectedFiles().front();
 }

@@ -31,8 +31,8 @@ public:
     virtual bool Question(QWidget* parent, const QString& text, MsgIcon icon) = 0;
     virtual Answer AskYesNoCancel(QWidget* parent, const QString& text) = 0;
     // An empty text when the user cancels.
-    virtual QString GetOpenFileName(QWidget* parent, const FileDialogSpec& spec) = 0;
-    virtual QString GetSaveFileName(QWidget* parent, const FileDialogSpec& spec) = 0;
+    virtual QString GetOpenFileName(QWidget* parent, const FileDialogSpec& request) = 0;
+    virtual QString GetSaveFileName(QWidget* parent, const FileDialogSpec& request) = 0;
     // One entry of a list; -1 when cancelled.
     virtual int ChooseItem(QWidget* parent, const QString& title, const QString& label,
                            const QStringList& items, int current) = 0;
@@ -51,8 +51,8 @@ public:
     void Message(QWidget* parent, const QString& text, MsgIcon icon) override;
     bool Question(QWidget* parent, const QString& text, MsgIcon icon) override;
     Answer AskYesNoCancel(QWidget* parent, const QString& text) override;
-    QString GetOpenFileName(QWidget* parent, const FileDialogSpec& spec) override;
-    QString GetSaveFileName(QWidget* parent, const FileDialogSpec& spec) override;
+    QString GetOpenFileName(QWidget* parent, const FileDialogSpec& request) override;
+    QString GetSaveFileName(QWidget* parent, const FileDialogSpec& request) override;
     int ChooseItem(QWidget* parent, const QString& title, const QString& label,
                    const QStringList& items, int current) override;
     int ExecDialog(QDialog& dialog) override;
@@ -65,8 +65,8 @@ public:
     void Message(QWidget* parent, const QString& text, MsgIcon icon) override;
     bool Question(QWidget* parent, const QString& text, MsgIcon icon) override;
     Answer AskYesNoCancel(QWidget* parent, const QString& text) override;
-    QString GetOpenFileName(QWidget* parent, const FileDialogSpec& spec) override;
-    QString GetSaveFileName(QWidget* parent, const FileDialogSpec& spec) override;
+    QString GetOpenFileName(QWidget* parent, const FileDialogSpec& request) override;
+    QString GetSaveFileName(QWidget* parent, const FileDialogSpec& request) override;
     int ChooseItem(QWidget* parent, const QString& title, const QString& label,
                    const QStringList& items, int current) override;
     int ExecDialog(QDialog& dialog) override;

@@ -123,9 +123,9 @@ const Entry* Find(unsigned id) {
     return (it != std::end(kEntries) && it->id == id) ? it : nullptr;
 }
 
-std::string FormatOne(std::string_view spec, char conv, const MessageArg& a) {
+std::string FormatOne(std::string_view conversion, char conv, const MessageArg& a) {
     const auto& arg = a.value();
-    std::string fmt(spec);
+    std::string fmt(conversion);
     if (std::holds_alternative<std::string>(arg)) {
         const std::string& s = std::get<std::string>(arg);
         if (conv == 's') return s;
@@ -184,11 +184,11 @@ std::string FormatText(std::string_view format, std::initializer_list<MessageArg
             continue;
         }
         // Length modifiers are dropped: every number is carried as a long long.
-        std::string spec;
+        std::string conversion;
         for (size_t k = i; k < j; ++k)
-            if (format[k] != 'l' && format[k] != 'h') spec += format[k];
-        spec += format[j];
-        out += FormatOne(spec, format[j], *next++);
+            if (format[k] != 'l' && format[k] != 'h') conversion += format[k];
+        conversion += format[j];
+        out += FormatOne(conversion, format[j], *next++);
         i = j;
     }
     return out;

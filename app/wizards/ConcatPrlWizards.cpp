@@ -46,27 +46,27 @@ QLineEdit* AddPathRow(QGridLayout* grid, int row, const QString& label, QWidget*
 std::function<QString(const QString&)> OpenBrowser(QWidget* page, const QString& title,
                                                    const QString& filter, bool fileMustExist) {
     return [=](const QString& current) {
-        FileDialogSpec spec;
-        spec.title = title;
-        spec.filter = filter;
-        spec.defaultSuffix = QStringLiteral("prl");
-        spec.initialPath = current;
-        spec.fileMustExist = fileMustExist;
-        return Prompts().GetOpenFileName(page, spec);
+        FileDialogSpec request;
+        request.title = title;
+        request.filter = filter;
+        request.defaultSuffix = QStringLiteral("prl");
+        request.initialPath = current;
+        request.fileMustExist = fileMustExist;
+        return Prompts().GetOpenFileName(page, request);
     };
 }
 
 std::function<QString(const QString&)> SaveBrowser(QWidget* page, const QString& title,
                                                    const QString& filter) {
     return [=](const QString& current) {
-        FileDialogSpec spec;
-        spec.title = title;
-        spec.filter = filter;
-        spec.defaultSuffix = QStringLiteral("prl");
-        spec.initialPath = current;
-        spec.fileMustExist = false;
-        spec.overwritePrompt = true;
-        return Prompts().GetSaveFileName(page, spec);
+        FileDialogSpec request;
+        request.title = title;
+        request.filter = filter;
+        request.defaultSuffix = QStringLiteral("prl");
+        request.initialPath = current;
+        request.fileMustExist = false;
+        request.overwritePrompt = true;
+        return Prompts().GetSaveFileName(page, request);
     };
 }
 

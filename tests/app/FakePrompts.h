@@ -36,12 +36,12 @@ public:
         questions.push_back({text, MsgIcon::Warning});
         return saveAnswer;
     }
-    QString GetOpenFileName(QWidget*, const FileDialogSpec& spec) override {
-        openDialogs.push_back(spec);
+    QString GetOpenFileName(QWidget*, const FileDialogSpec& request) override {
+        openDialogs.push_back(request);
         return Next(fileAnswers);
     }
-    QString GetSaveFileName(QWidget*, const FileDialogSpec& spec) override {
-        saveDialogs.push_back(spec);
+    QString GetSaveFileName(QWidget*, const FileDialogSpec& request) override {
+        saveDialogs.push_back(request);
         return Next(fileAnswers);
     }
     int ChooseItem(QWidget*, const QString&, const QString&, const QStringList& items,
