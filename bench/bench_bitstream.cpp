@@ -5,10 +5,9 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <map>
-#include <string>
 #include <vector>
 
+#include "bench/BenchRatio.h"
 #include "roaming_list/RLFile.h"
 
 namespace {
@@ -85,41 +84,13 @@ BENCHMARK(Crc16Pass);
 BENCHMARK(ReadFields);
 BENCHMARK(WriteFields);
 
-// Prints the usual table and keeps each benchmark's CPU time per iteration for the ratios: on a
-// shared machine the wall clock measures the neighbours as much as the code.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-                times_[run.benchmark_name()] = run.GetAdjustedCPUTime();
-    }
-    const std::map<std::string, double>& Times() const { return times_; }
-
-private:
-    std::map<std::string, double> times_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     if (Image().size() != kBytes) {
         std::fprintf(stderr, "bench_bitstream: the field list made %zu bytes, not %zu\n",
                      Image().size(), kBytes);
         return 1;
     }
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-
-    const auto& times = reporter.Times();
-    const auto baseline = times.find("Crc16Pass");
-    if (baseline == times.end() || baseline->second <= 0) return 0;
-    for (const auto& [name, time] : times)
-        if (name != baseline->first)
-            std::printf("%s: ratio to Crc16 pass: %.1f\n", name.c_str(), time / baseline->second);
-    return 0;
+    return Tarn::Bench::RunWithRatios(argc, argv, "Crc16Pass", "Crc16 pass");
 }

@@ -144,23 +144,25 @@ int Build(const std::string& in, const std::string& out, const std::string& vers
             PrintError("build", in + ": not valid JSON");
             return kExitFailure;
         }
-        const std::string kind = j.is_object() ? j.value("kind", "") : "";
-        if (!kind.empty() && kind != "roamingList") {
-            // Any other kind goes through the registry, chosen by the output's name.
-            FileKind outKind = KindForOpen(out);
+        const FileKind outKind = KindForOpen(out);
+        const bool roamingListOut = outKind == FileKind::None || outKind == FileKind::RoamingList ||
+                                    outKind == FileKind::RoamingListText;
+        if (!roamingListOut) {
+            // Every other kind goes through the registry, chosen by the output's name.
             const FileKindInfo* info = FindFileKind(outKind);
-            if (!info || !info->fromJson) {
-                PrintError("build", out + ": the output name does not say which kind of file to write");
-                return kExitFailure;
-            }
             std::string error;
-            auto doc = info->fromJson(j, out, error);
+            auto doc = info && info->fromJson ? info->fromJson(j, out, error) : nullptr;
             std::vector<uint8_t> bytes;
             if (!doc || !doc->Write(bytes, error) || !WriteFileAtomically(out, bytes, error)) {
                 PrintError("build", error);
                 return kExitFailure;
             }
             return kExitOk;
+        }
+        if (j.is_object() && j.contains("fileType")) {
+            PrintError("build", in + " describes a " + j.at("fileType").dump() +
+                                    " file: give the output that kind's extension");
+            return kExitFailure;
         }
     }
     LoadedList list;

@@ -34,15 +34,19 @@ json TableToJson(const CRLItemList& items, bool acquisition, int version) {
     return table;
 }
 
+// A whole number that is not negative: parsed JSON holds it as unsigned, JSON built in code as
+// a signed integer.
+bool IsCount(const json& v) { return v.is_number_integer() && v.get<int64_t>() >= 0; }
+
 template <typename T>
 T Field(const json& object, const char* key, T fallback, T max) {
     if (!object.contains(key)) return fallback;
     const json& v = object.at(key);
     if constexpr (std::is_same_v<T, bool>) {
         if (v.is_boolean()) return v.get<bool>();
-        if (v.is_number_unsigned() && v.get<unsigned>() <= 1) return v.get<unsigned>() == 1;
+        if (IsCount(v) && v.get<uint64_t>() <= 1) return v.get<uint64_t>() == 1;
     } else {
-        if (v.is_number_unsigned() && v.get<uint64_t>() <= static_cast<uint64_t>(max))
+        if (IsCount(v) && v.get<uint64_t>() <= static_cast<uint64_t>(max))
             return static_cast<T>(v.get<uint64_t>());
     }
     throw std::runtime_error(std::string("header: \"") + key + "\" must be a number from 0 to " +
@@ -87,7 +91,7 @@ std::unique_ptr<CRLData> ListFromJson(const json& in, int& version, int forcedVe
         if (!in.contains("version")) throw std::runtime_error("\"version\" is missing");
         const json& v = in.at("version");
         if (v.is_string()) version = VersionFromName(v.get<std::string>());
-        else if (v.is_number_unsigned()) version = static_cast<int>(v.get<unsigned>());
+        else if (IsCount(v) && v.get<uint64_t>() <= 5) version = static_cast<int>(v.get<uint64_t>());
         if (version < kMinVersion || version > kMaxVersion)
             throw CDataException(DataError::InvalidRlType, "(" + v.dump() + ")");
     }
@@ -109,9 +113,9 @@ std::unique_ptr<CRLData> ListFromJson(const json& in, int& version, int forcedVe
     const json acq = tableOf("acquisitionTable");
     for (size_t i = 0; i < acq.size(); ++i) {
         const json& r = acq[i];
-        if (!r.is_object() || !r.contains("type") || !r.at("type").is_number_unsigned())
+        if (!r.is_object() || !r.contains("type") || !IsCount(r.at("type")) || r.at("type").get<uint64_t>() > 255)
             throw std::runtime_error(Where("acquisition", i) + "\"type\" must be a number");
-        const int type = static_cast<int>(r.at("type").get<unsigned>());
+        const int type = static_cast<int>(r.at("type").get<uint64_t>());
         auto item = CreateAcqItem(type, version);
         if (!item)
             throw std::runtime_error(Where("acquisition", i) + "type " + std::to_string(type) +
@@ -126,9 +130,9 @@ std::unique_ptr<CRLData> ListFromJson(const json& in, int& version, int forcedVe
     const json sys = tableOf("systemTable");
     for (size_t i = 0; i < sys.size(); ++i) {
         const json& r = sys[i];
-        if (!r.is_object() || !r.contains("type") || !r.at("type").is_number_unsigned())
+        if (!r.is_object() || !r.contains("type") || !IsCount(r.at("type")) || r.at("type").get<uint64_t>() > 255)
             throw std::runtime_error(Where("system", i) + "\"type\" must be a number");
-        const int type = static_cast<int>(r.at("type").get<unsigned>());
+        const int type = static_cast<int>(r.at("type").get<uint64_t>());
         auto item = CreateSysItem(type, version);
         if (!item)
             throw std::runtime_error(Where("system", i) + "type " + std::to_string(type) +

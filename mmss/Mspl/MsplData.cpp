@@ -1,0 +1,117 @@
+#include "mmss/Mspl/MsplData.h"
+
+#include "mmss/MmssFrame.h"
+#include "mmss/Mspl/MsplRecord.h"
+
+namespace Tarn::Mspl {
+
+uint32_t Header::Read(CRLFile& file) {
+    file.Seek(2);
+    file.SetBitOffset(0);
+    revision = Mmss::Decimal(Mmss::Take(file, 8, "CUR_MMSS_P_REV"));
+    version = Mmss::Decimal(Mmss::Take(file, 16, "MSPL_VERS_ID"));
+    return 24;
+}
+
+uint32_t Header::Write(CRLFile& file) const {
+    file.Seek(2);
+    file.SetBitOffset(0);
+    file.WriteBits(8, static_cast<uint32_t>(Mmss::ParseDecimal(revision)) & 0xFFu);
+    file.WriteBits(16, static_cast<uint32_t>(Mmss::ParseDecimal(version)) & 0xFFFFu);
+    return 24;
+}
+
+std::vector<std::string> Header::Check() const {
+    std::vector<std::string> problems;
+    Mmss::CheckHeaderValue(revision, 255, "Mmss Revision Value is Missing",
+                           "Invalid Mmss Revision Value. Range is 0 - 255", problems);
+    Mmss::CheckHeaderValue(version, 65535, "Mspl Version Value is missing",
+                           "Invalid Mspl Version Value.Range is 0 - 65535", problems);
+    return problems;
+}
+
+CRLItemList& Data::AddId(const std::string& id) {
+    ids.push_back(id);
+    lists.emplace_back();
+    return lists.back();
+}
+
+size_t Data::RecordCount() const {
+    size_t count = 0;
+    for (const auto& list : lists) count += list.GetSize();
+    return count;
+}
+
+uint32_t Data::Read(CRLFile& file) {
+    ids.clear();
+    lists.clear();
+    file.Seek(0);
+    file.SetBitOffset(0);
+    Mmss::Take(file, 16, "MSPL_SIZE");
+    file.Seek(5);
+    const uint32_t count = Mmss::Take(file, 8, "NUM_MSPL_ID");
+    uint32_t bits = 24;
+    for (uint32_t i = 0; i < count; ++i) {
+        CRLItemList& list = AddId(Mmss::Decimal(Mmss::Take(file, 8, "MSPL_ID")));
+        bits += 8 + Mmss::ReadRecordList(file, list, [] { return std::make_unique<Record>(); });
+    }
+    return bits;
+}
+
+uint32_t Data::Write(CRLFile& file) const {
+    if (lists.size() > ids.size()) return 0;
+    if (lists.size() > Mmss::kMaxListRecords)
+        throw Mmss::FormatError("The file holds " + std::to_string(lists.size()) +
+                                " MSPL ids; at most 255 fit in it.");
+    file.Seek(0);
+    file.SetBitOffset(0);
+    file.WriteBits(16, 0);
+    file.Seek(5);
+    file.WriteBits(8, static_cast<uint32_t>(lists.size()));
+    uint64_t bits = 24;
+    for (size_t i = 0; i < lists.size(); ++i) {
+        file.WriteBits(8, static_cast<uint32_t>(Mmss::ParseDecimal(ids[i])) & 0xFFu);
+        bits += 8 + Mmss::WriteRecordList(file, lists[i]);
+    }
+    bits += Mmss::PadBody(file, bits);
+    return static_cast<uint32_t>(bits);
+}
+
+namespace {
+
+std::string CheckId(const std::string& id, size_t tab) {
+    if (id.empty()) return "No Mspl Id entered in Tab " + std::to_string(tab);
+    // Signed on purpose: "-1" or "abc" pass and are written as their low eight bits.
+    if (Mmss::ParseDecimal(id) > 255)
+        return "Invalid Mspl Id value in Tab " + std::to_string(tab) + "The range is 0 - 255";
+    return {};
+}
+
+}  // namespace
+
+std::string Data::CheckIds(const std::vector<std::string>& tabIds) {
+    for (size_t i = 0; i < tabIds.size(); ++i) {
+        std::string message = CheckId(tabIds[i], i + 1);
+        if (!message.empty()) return message;
+    }
+    return {};
+}
+
+bool Data::TakeIdsFromTabs(const std::vector<std::string>& tabIds, std::string& message) {
+    for (size_t i = 0; i < tabIds.size(); ++i) {
+        message = CheckId(tabIds[i], i + 1);
+        if (!message.empty()) return false;
+        if (ids.size() <= i) ids.resize(i + 1);
+        ids[i] = tabIds[i];
+    }
+    return true;
+}
+
+void SaveFile(CRLFile& file, const Header& header, const Data& data) {
+    file.SetBitOffset(0);
+    uint64_t total = header.Write(file);
+    total += data.Write(file);
+    Mmss::PatchSizeWord(file, total);
+}
+
+}  // namespace Tarn::Mspl
