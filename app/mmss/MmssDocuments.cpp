@@ -15,6 +15,7 @@
 #include "mmss/Bst3Gpp/Bst3GppRecord.h"
 #include "mmss/LAF/LafDocument.h"
 #include "mmss/LAF/LafRecord.h"
+#include "mmss/MmssFrame.h"
 #include "mmss/Mlpl/MlplDocument.h"
 #include "mmss/Mlpl/MlplRecord.h"
 #include "mmss/Mspl/MsplDocument.h"
@@ -147,10 +148,14 @@ void MmssDocument::InitNew() {
     }
     SetHeader(std::move(header));
     ClearTabs();
-    MmssTab& tab = AppendTab({});
+    MmssTab& tab = AppendTab(NewTabFields());
     CRLItemList records;
     records.Add(NewRecord());
     FillGrid(tab, records);
+}
+
+std::vector<std::string> MmssDocument::NewTabFields() const {
+    return std::vector<std::string>(TabFields().size());
 }
 
 int MmssDocument::TabOfProblem(const Mmss::Document&, const std::string& message) const {
@@ -275,10 +280,7 @@ void MmssDocument::ApplyTabValue(MmssTab& tab, size_t field, const std::string& 
 
 void MmssDocument::AddTab() {
     auto tab = std::make_shared<MmssTab>();
-    for (const auto& f : TabFields()) {
-        (void)f;
-        tab->fields.emplace_back();
-    }
+    tab->fields = NewTabFields();
     tab->grid = MakeGrid();
     CRLItemList records;
     records.Add(NewRecord());
@@ -467,9 +469,12 @@ std::unique_ptr<CRLItem> Document::NewRecord() const {
     return std::make_unique<Tarn::Mspl::Record>();
 }
 
-void Document::InitNew() {
-    MmssDocument::InitNew();
-    Tab(0).fields = {"0"};
+// The next identifier after the highest one in use, so a new tab does not repeat one.
+std::vector<std::string> Document::NewTabFields() const {
+    long long next = 0;
+    for (int t = 0; t < TabCount(); ++t)
+        next = std::max(next, Tarn::Mmss::ParseDecimal(TabValue(t, "id")) + 1);
+    return {std::to_string(std::min(next, 255LL))};
 }
 
 std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
@@ -529,9 +534,8 @@ std::unique_ptr<CRLItem> Document::NewRecord() const {
     return std::make_unique<Tarn::Mlpl::Record>();
 }
 
-void Document::InitNew() {
-    MmssDocument::InitNew();
-    Tab(0).fields = {"", "", "0"};
+std::vector<std::string> Document::NewTabFields() const {
+    return {"", "", "0"};
 }
 
 std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
@@ -680,9 +684,8 @@ std::unique_ptr<CRLItem> Document::NewRecord() const {
     return record;
 }
 
-void Document::InitNew() {
-    MmssDocument::InitNew();
-    Tab(0).fields = {"1", "0", ""};
+std::vector<std::string> Document::NewTabFields() const {
+    return {"1", "0", ""};
 }
 
 int Document::TabOfProblem(const Mmss::Document& base, const std::string& message) const {

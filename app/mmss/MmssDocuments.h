@@ -126,6 +126,8 @@ protected:
     virtual unsigned NeedOneRecordMessage() const = 0;
     // The start of a new document: header values and tabs.
     virtual void InitNew();
+    // The fields of a tab as Add Tab makes it (and the first tab of a new document).
+    virtual std::vector<std::string> NewTabFields() const;
     // The tab (from 0) a tab check message is about when it does not name one.
     virtual int TabOfProblem(const Mmss::Document& doc, const std::string& message) const;
 
@@ -170,7 +172,7 @@ protected:
     std::unique_ptr<Mmss::Document> MakeDocument() const override;
     void AddRecords(Mmss::Document& doc, int tab, CRLItemList records) const override;
     unsigned NeedOneRecordMessage() const override;
-    void InitNew() override;
+    std::vector<std::string> NewTabFields() const override;
 };
 }  // namespace Mspl
 
@@ -196,7 +198,7 @@ protected:
     std::unique_ptr<Mmss::Document> MakeDocument() const override;
     void AddRecords(Mmss::Document& doc, int tab, CRLItemList records) const override;
     unsigned NeedOneRecordMessage() const override;
-    void InitNew() override;
+    std::vector<std::string> NewTabFields() const override;
 };
 }  // namespace Mlpl
 
@@ -252,7 +254,7 @@ protected:
     std::unique_ptr<Mmss::Document> MakeDocument() const override;
     void AddRecords(Mmss::Document& doc, int tab, CRLItemList records) const override;
     unsigned NeedOneRecordMessage() const override;
-    void InitNew() override;
+    std::vector<std::string> NewTabFields() const override;
     int TabOfProblem(const Mmss::Document& doc, const std::string& message) const override;
 };
 }  // namespace Bst3Gpp
@@ -277,7 +279,6 @@ protected:
     std::unique_ptr<Mmss::Document> MakeDocument() const override;
     void AddRecords(Mmss::Document& doc, int tab, CRLItemList records) const override;
     unsigned NeedOneRecordMessage() const override;
-    void InitNew() override;
 };
 }  // namespace TechOrder
 

@@ -359,13 +359,13 @@ TEST(MmssDoc, PlmnKindComesFromTheNameOrTheNewCommand) {
 
 // ---- The real program in command-line mode ------------------------------------------------------
 
-struct Run {
+struct ProgramRun {
     bool finished = false;
     int exitCode = -1;
     QString err;
 };
 
-Run RunTarn(const QStringList& args) {
+ProgramRun RunTarn(const QStringList& args) {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.remove("DISPLAY");
@@ -373,7 +373,7 @@ Run RunTarn(const QStringList& args) {
     env.remove("QT_QPA_PLATFORM");
     p.setProcessEnvironment(env);
     p.start(TARN_APP_PATH, args);
-    Run r;
+    ProgramRun r;
     r.finished = p.waitForFinished(60000);
     if (!r.finished) p.kill();
     r.exitCode = p.exitCode();
@@ -395,7 +395,7 @@ TEST(MmssCommandLine, TextAndCheckActionsWriteWhatTheEditorWould) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE((c.option + " " + c.input).toStdString());
-        const Run r = RunTarn({c.option, kData + c.input, dir.filePath(c.output)});
+        const ProgramRun r = RunTarn({c.option, kData + c.input, dir.filePath(c.output)});
         ASSERT_TRUE(r.finished);
         EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
         EXPECT_EQ(FileBytes(dir.filePath(c.output)), FileBytes(kData + c.expected));
@@ -409,7 +409,7 @@ TEST(MmssCommandLine, FailedCheckWritesNothingAndSaysWhy) {
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write(QByteArray::fromHex("0005000209 09"));
     f.close();
-    const Run r = RunTarn({"-c", in, dir.filePath("out.tot")});
+    const ProgramRun r = RunTarn({"-c", in, dir.filePath("out.tot")});
     ASSERT_TRUE(r.finished);
     EXPECT_NE(r.exitCode, 0);
     EXPECT_TRUE(r.err.contains(Text(231))) << r.err.toStdString();
@@ -426,7 +426,7 @@ TEST(MmssCommandLine, JsonFormIsWrittenAsTheBinaryFile) {
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write(QByteArray::fromStdString(json.dump()));
     f.close();
-    const Run r = RunTarn({"-u", dir.filePath("in.json"), dir.filePath("out.tot")});
+    const ProgramRun r = RunTarn({"-u", dir.filePath("in.json"), dir.filePath("out.tot")});
     ASSERT_TRUE(r.finished);
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_EQ(FileBytes(dir.filePath("out.tot")), FileBytes(kData + "sample.tot"));
