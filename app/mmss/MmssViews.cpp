@@ -102,7 +102,19 @@ MmssTabPage::MmssTabPage(MmssDocument& doc, int tab, QWidget* parent)
     grid_->SetGridModel(&model);
     grid_->setItemDelegate(new EntryCheckDelegate(doc, grid_));
     grid_->FitColumns();
+    // Long titles (the MLPL subnet column) stay readable in full rather than clipped.
+    const QFontMetrics heading(grid_->horizontalHeader()->font());
+    for (int c = 0; c < model.columnCount(); ++c) {
+        int width = 0;
+        for (const QString& line :
+             model.headerData(c, Qt::Horizontal, Qt::DisplayRole).toString().split('\n'))
+            width = std::max(width, heading.horizontalAdvance(line) + 20);
+        if (grid_->columnWidth(c) < width) grid_->setColumnWidth(c, width);
+    }
     layout->addWidget(grid_, 1);
+    empty_ = new QLabel(tr("No records on this tab yet: Append Row adds one."), this);
+    empty_->setEnabled(false);
+    layout->addWidget(empty_);
 
     connect(&model, &QAbstractItemModel::rowsInserted, this, &MmssTabPage::UpdateTitle);
     connect(&model, &QAbstractItemModel::rowsRemoved, this, &MmssTabPage::UpdateTitle);
@@ -138,6 +150,7 @@ void MmssTabPage::Load() {
 void MmssTabPage::UpdateTitle() {
     const int rows = grid_->Model() ? grid_->Model()->GetRowCount() : 0;
     title_->setText(tr("%1 (%2)").arg(doc_.GridTitle()).arg(rows));
+    empty_->setVisible(rows == 0);
 }
 
 // ---- MmssView -----------------------------------------------------------------------------------
@@ -345,7 +358,7 @@ MmssTextView::MmssTextView(MmssDocument& doc, QWidget* parent)
     setReadOnly(true);
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    setTabStopDistance(fontMetrics().horizontalAdvance(QString(8, ' ')));
+    setTabStopDistance(fontMetrics().horizontalAdvance(QString(16, ' ')));
     // Follows the edits; a row still being typed leaves the last good text in place.
     connect(&doc.UndoStack(), &QUndoStack::indexChanged, this, [this] { Refresh(true); });
 }

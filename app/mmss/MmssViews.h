@@ -45,6 +45,7 @@ private:
     int tab_;
     std::vector<QLineEdit*> fields_;
     QLabel* title_;
+    QLabel* empty_ = nullptr;
     GridView* grid_;
 };
 
