@@ -2,7 +2,10 @@
 // help texts and the stored window placement.
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QDropEvent>
 #include <QLabel>
+#include <QMimeData>
 #include <QPrinter>
 #include <QProcess>
 #include <QSettings>
@@ -212,6 +215,29 @@ TEST(Templates, FileOpenUsesItsFilterAndFindsNoTemplateForHin) {
     EXPECT_TRUE(CTessaryApp::OpenFilter().endsWith("|All Files (*.*)|*.*||"));
 }
 
+TEST(Templates, DroppedFilesOpenThroughRuleB) {
+    AppFixture f;
+    AppTest::WriteBytes(f.Path("dropped.prl"), AppTest::EmptyListBytes(3));
+    AppTest::WriteBytes(f.Path("dropped.hin"), AppTest::EmptyListBytes(3));
+    const size_t before = f.app->Documents().size();
+    f.prompts.Clear();
+    QMimeData mime;
+    mime.setUrls(
+        {QUrl::fromLocalFile(f.Path("dropped.prl")), QUrl::fromLocalFile(f.Path("dropped.hin"))});
+    // A drop reaches the window a drag entered and was accepted by.
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(f.app->MainFrame(), &enter);
+    ASSERT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(f.app->MainFrame(), &drop);
+    ASSERT_EQ(f.app->Documents().size(), before + 1)
+        << f.prompts.MessageTexts().join("|").toStdString();
+    EXPECT_EQ(f.app->Documents().back()->Title(), "dropped.prl");
+    // The list's own notices, then the refusal of the file no template takes.
+    EXPECT_EQ(f.prompts.MessageTexts().back(), "The Roaming List file is not a recognized format.");
+    EXPECT_EQ(f.app->RecentFiles().front(), f.Path("dropped.prl"));
+}
+
 TEST(Templates, MmssKindsMakeTheirDocuments) {
     AppFixture f;
     const size_t before = f.app->Documents().size();
@@ -379,7 +405,8 @@ TEST(Printing, LongTextsRunOverSeveralPages) {
         f.open(QIODevice::ReadOnly);
         return f.readAll();
     }();
-    EXPECT_GE(pdf.count("/Type /Page\n") + pdf.count("/Type /Page\r") + pdf.count("/Type /Page "), 2)
+    EXPECT_GE(pdf.count("/Type /Page\n") + pdf.count("/Type /Page\r") + pdf.count("/Type /Page "),
+              2)
         << "300 lines fit no single page";
 }
 
