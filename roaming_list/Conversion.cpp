@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string_view>
 
 #include "roaming_list/AcqItem.h"
-#include "roaming_list/DataException.h"
 #include "roaming_list/NameTables.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
@@ -17,19 +17,6 @@ using nlohmann::json;
 
 constexpr uint8_t kGeoNew = 0;
 constexpr uint8_t kGeoSame = 1;
-
-// Until the record classes land, geography travels through the JSON form.
-unsigned GeographyOf(const CSysItem& item) {
-    json j;
-    item.ToJson(j);
-    return j.value("geography", 0u);
-}
-void SetGeographyOf(CSysItem& item, unsigned value) {
-    json j;
-    item.ToJson(j);
-    j["geography"] = value;
-    item.FromJson(j);
-}
 
 std::string Shown(const json& object, const std::string& key) {
     const auto name = object.find(key + "Name");
@@ -137,8 +124,15 @@ public:
             changes_.push_back(what + " dropped: " + toName_ + " cannot carry it");
             return nullptr;
         }
+        // Compared is what a save in each version holds, so values a record keeps only until it
+        // is written (a 1x-MCC record's SID and NID are made from its MCC when written) do not
+        // count as changes.
         json before;
-        source.ToJson(before);
+        if (auto saved = ThroughFile(family, source, from_)) {
+            saved->ToJson(before);
+        } else {
+            source.ToJson(before);
+        }
         try {
             target->FromJson(before);
         } catch (const std::exception& e) {
@@ -211,11 +205,17 @@ ConversionResult ConvertRoamingList(const CRLData& source, int fromVersion, int 
 
     const CRLItemList& sysIn = source.GetSysTable().Items();
     CRLItemList& sysOut = data->GetSysTable().Items();
-    bool regionKept = false;  // whether the region of the current record has a kept record yet
+    // A region is the run of records from a "New" one through the "Same" ones after it. When its
+    // first records are dropped, the first one kept begins it.
+    bool regionKept = false;     // the current region has a kept record
+    bool regionDropped = false;  // a record of the current region was dropped before any was kept
     for (size_t i = 0; i < sysIn.GetSize(); ++i) {
         const auto* sys = dynamic_cast<const CSysItem*>(sysIn.GetAt(i));
-        if (!sys) continue;
-        if (GeographyOf(*sys) == kGeoNew) regionKept = false;
+        if (!sys) {
+            converter.Note("system record " + std::to_string(i) + " dropped: not a system record");
+            continue;
+        }
+        if (sys->GetGeography() == kGeoNew) regionKept = regionDropped = false;
         const std::string what = "system record " + std::to_string(i) + " (" +
                                  TypeName(kSysFamily, sys->GetSysType(), fromVersion) + ")";
         const unsigned acqIndex = sys->GetAcqIndex();
@@ -224,20 +224,22 @@ ConversionResult ConvertRoamingList(const CRLData& source, int fromVersion, int 
         if (inRange && !newIndex[acqIndex]) {
             converter.Note(what + " dropped: its acquisition record " + std::to_string(acqIndex) +
                            " was dropped");
+            regionDropped = regionDropped || !regionKept;
             continue;
         }
         std::unique_ptr<CRLItem> item = converter.Carry(kSysFamily, *sys, i);
-        if (!item) continue;
+        if (!item) {
+            regionDropped = regionDropped || !regionKept;
+            continue;
+        }
         auto* carried = dynamic_cast<CSysItem*>(item.get());
         if (inRange && *newIndex[acqIndex] != acqIndex) {
             carried->SetAcqIndex(*newIndex[acqIndex]);
             converter.Note(what + ": acquisition index " + std::to_string(acqIndex) + " -> " +
                            std::to_string(*newIndex[acqIndex]));
         }
-        // A region is the run of records from a "New" one through the "Same" ones after it; when
-        // its first records were dropped, the first one kept begins it.
-        if (!regionKept && GeographyOf(*carried) == kGeoSame) {
-            SetGeographyOf(*carried, kGeoNew);
+        if (!regionKept && regionDropped && carried->GetGeography() == kGeoSame) {
+            carried->SetGeography(kGeoNew);
             converter.Note(what + ": geography Same -> New (the record that began its region was "
                                   "dropped)");
         }

@@ -12,7 +12,13 @@
 //
 // What the text does not carry: SSPR_P_REV, the reserved header bits and the number of common
 // subnet records. A list read from text gets SSPR_P_REV 3 in versions 3..5 (0 below), reserved 0
-// and a common subnet count of 0, which is also what a binary write of it holds.
+// and a common subnet count of 0, which is also what a binary write of it holds. Two record types
+// show less than their binary form holds, so a list read back from its text may differ there:
+// - an undefined acquisition record (type 253) shows only its length; it comes back holding as
+//   many zero octets;
+// - a 1x-MCC record shows only MCC and IMSI_11_12; it comes back with its SID and NID made anew
+//   from them and the NID stored, whatever inclusion code and identifiers the file held.
+// Everything else reads back to the same bytes.
 #pragma once
 
 #include <exception>

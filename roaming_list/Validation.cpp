@@ -1,7 +1,5 @@
 #include "roaming_list/Validation.h"
 
-#include <nlohmann/json.hpp>
-
 #include "foundation/MessageTable.h"
 #include "grid/Grid.h"
 #include "grid/GridError.h"
@@ -9,21 +7,21 @@
 #include "roaming_list/DataException.h"
 #include "roaming_list/NameTables.h"
 #include "roaming_list/SysItem.h"
+#include "roaming_list/SysItemMccMnc.h"
 
 namespace Tarn {
 namespace {
 
-constexpr const char* kAcqTable = "Acquisition Table";
-constexpr const char* kSysTable = "System Table";
+const char* const kAcqTable = kAcqTableName;
+const char* const kSysTable = CSysItem::TableName();
 constexpr int kAcqIndexColumn = 4;
 constexpr int kSysTypeIs2000 = 0;
 constexpr int kSysTypeIs856 = 1;
 constexpr int kSysTypePlmn = 2;
 constexpr int kSysTypeMccMnc = 3;
 constexpr int kSysType1xMcc = 14;
-constexpr int kMccMncSubnet = 3;
+constexpr int kMccMncSubnet = CSysItemMccMnc::kSubnet;
 constexpr int kAcqHdrGeneric = 11;
-constexpr int kAcqUndefined = 253;
 
 ValidationIssue Issue(unsigned id, std::string text, std::string table = {}, int row = -1,
                       int column = -1) {
@@ -68,10 +66,8 @@ std::string Trimmed(const std::string& s) {
 }
 
 int MccMncSubtype(const CSysItem& item) {
-    nlohmann::json j;
-    item.ToJson(j);
-    const auto it = j.find("subtype");
-    return it != j.end() && it->is_number_integer() ? it->get<int>() : 0;
+    const auto* mccMnc = dynamic_cast<const CSysItemMccMnc*>(&item);
+    return mccMnc ? static_cast<int>(mccMnc->GetSubtype()) : 0;
 }
 
 std::string TableNameOf(const Grid& grid, const char* fallback) {
@@ -106,6 +102,9 @@ ValidationResult ReadTable(const Grid& grid, const CNameList& types, const CRLIt
             result.issues.push_back(FromGridError(e));
         } catch (const CDataException& e) {
             result.issues.push_back(FromDataError(e, table, row));
+        } catch (const std::exception& e) {
+            // Not a failure any record raises on purpose, but a row must never end the reading.
+            result.issues.push_back(Issue(0, e.what(), table, row));
         }
     }
     return result;
@@ -144,7 +143,7 @@ std::optional<ValidationIssue> CheckHeaderFields(const std::string& defRoamIndTe
 }
 
 unsigned AcqTypeRefusal(int sysType, int mccMncSubtype, int acqType) {
-    if (acqType == kAcqUndefined) return 0;
+    if (acqType == kAcqTypeSpecial) return 0;
     switch (sysType) {
         case kSysTypeIs2000:
         case kSysType1xMcc:

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
 #include <string>
@@ -9,7 +10,6 @@
 
 #include "roaming_list/AcqItem.h"
 #include "roaming_list/ConcatPrl.h"
-#include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
 #include "tests/support/ListBytes.h"
 
@@ -17,23 +17,12 @@ namespace Tarn {
 namespace {
 namespace fs = std::filesystem;
 
-using Test::PackBits;
-using Test::Prefix;
-using Test::Seal;
-
-// An empty short-form list: 8 header bytes and the CRC.
-std::vector<uint8_t> ShortList(uint16_t id) {
-    return Seal(PackBits({{16, 0}, {16, id}, {1, 1}, {8, 0x40}, {9, 0}, {14, 0}}));
+// An empty version 1 list: 8 header bytes and the CRC.
+std::vector<uint8_t> TenByteList(uint16_t id) {
+    return Tarn::Test::Seal(Tarn::Test::PackBits({{16, 0}, {16, id}, {1, 1}, {8, 0x40}, {9, 0}, {14, 0}}));
 }
 
-// An empty long-form list: 11 header bytes and the CRC.
-std::vector<uint8_t> LongList(uint16_t id) {
-    return Seal(PackBits(
-        {{16, 0}, {16, id}, {8, 3}, {1, 0}, {8, 1}, {9, 0}, {9, 0}, {14, 0}, {7, 0}}));
-}
-
-// A version 1 list of 20 bytes: one custom cellular record of six channels (75 bits) after the
-// 64-bit header, padded to 18 bytes, and the CRC.
+// One custom cellular record of six channels (75 bits) after the 64-bit header: 18 bytes and CRC.
 std::vector<uint8_t> TwentyByteList() {
     CRLManagerA manager;
     auto custom = CreateAcqItem(3, 1);
@@ -47,37 +36,25 @@ std::vector<uint8_t> TwentyByteList() {
 class ConcatPrlFiles : public ::testing::Test {
 protected:
     void SetUp() override {
-        std::random_device rd;
-        dir_ = fs::temp_directory_path() / ("tarn-concat-" + std::to_string(rd()));
+        dir_ = fs::temp_directory_path() / ("tarn-concat-" + std::to_string(std::random_device{}()));
         fs::create_directories(dir_);
     }
-    void TearDown() override {
-        std::error_code ec;
-        fs::remove_all(dir_, ec);
-    }
+    void TearDown() override { fs::remove_all(dir_); }
 
     fs::path Put(const std::string& name, const std::vector<uint8_t>& bytes) {
-        fs::path p = dir_ / name;
-        std::ofstream(p, std::ios::binary)
+        std::ofstream(dir_ / name, std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        return p;
+        return dir_ / name;
     }
     fs::path Path(const std::string& name) const { return dir_ / name; }
-    static std::vector<uint8_t> Get(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
+    std::vector<uint8_t> Get(const std::string& name) const {
+        std::ifstream in(dir_ / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
-    static std::string JoinError(const fs::path& a, const fs::path& b, const fs::path& out) {
+    template <typename Operation>
+    static std::string ErrorOf(Operation operation) {
         try {
-            JoinPrl(a, b, out);
-        } catch (const ConcatPrlException& e) {
-            return e.what();
-        }
-        return "";
-    }
-    static std::string SplitError(const fs::path& in, const fs::path& a, const fs::path& b) {
-        try {
-            SplitPrl(in, a, b);
+            operation();
         } catch (const ConcatPrlException& e) {
             return e.what();
         }
@@ -88,20 +65,19 @@ protected:
 };
 
 TEST_F(ConcatPrlFiles, JoinCopiesBothListsAndSplitGivesThemBack) {
-    const std::vector<uint8_t> first = ShortList(0x1111);
+    const std::vector<uint8_t> first = TenByteList(0x1111);
     const std::vector<uint8_t> second = TwentyByteList();
-    ASSERT_EQ(first.size(), 10u);
     ASSERT_EQ(second.size(), 20u);
+    Put("joined.prl", std::vector<uint8_t>(500, 0xEE));  // replaced, not appended to
     JoinPrl(Put("a.prl", first), Put("b.prl", second), Path("joined.prl"));
 
-    const std::vector<uint8_t> joined = Get(Path("joined.prl"));
-    ASSERT_EQ(joined.size(), 32u);
-    EXPECT_TRUE(std::equal(first.begin(), first.end(), joined.begin()));
-    EXPECT_TRUE(std::equal(second.begin(), second.end(), joined.begin() + 10));
-    const uint16_t crc = Crc16(joined.data(), 30);
-    EXPECT_EQ(joined[30], crc >> 8);
-    EXPECT_EQ(joined[31], crc & 0xFF);
-
+    std::vector<uint8_t> joined = Get("joined.prl");
+    std::vector<uint8_t> expected = first;
+    expected.insert(expected.end(), second.begin(), second.end());
+    const uint16_t crc = Crc16(expected.data(), expected.size());
+    expected.push_back(static_cast<uint8_t>(crc >> 8));
+    expected.push_back(static_cast<uint8_t>(crc));
+    EXPECT_EQ(joined, expected);
     size_t s1 = 0;
     EXPECT_TRUE(CheckConcatenatedPrl(joined.data(), joined.size(), s1));
     EXPECT_EQ(s1, 10u);
@@ -109,139 +85,94 @@ TEST_F(ConcatPrlFiles, JoinCopiesBothListsAndSplitGivesThemBack) {
     EXPECT_FALSE(IsConcatenatedPrl(Path("a.prl")));  // a single list never passes
 
     SplitPrl(Path("joined.prl"), Path("one.prl"), Path("two.prl"));
-    EXPECT_EQ(Get(Path("one.prl")), first);
-    EXPECT_EQ(Get(Path("two.prl")), second);
-}
+    EXPECT_EQ(Get("one.prl"), first);
+    EXPECT_EQ(Get("two.prl"), second);
 
-TEST_F(ConcatPrlFiles, OutputsAreCreatedOrReplaced) {
-    const fs::path out = Put("joined.prl", std::vector<uint8_t>(500, 0xEE));
-    JoinPrl(Put("a.prl", ShortList(1)), Put("b.prl", ShortList(2)), out);
-    EXPECT_EQ(Get(out).size(), 22u);
-}
-
-TEST_F(ConcatPrlFiles, EveryChangedByteFailsTheStructureCheck) {
-    JoinPrl(Put("a.prl", ShortList(7)), Put("b.prl", LongList(9)), Path("j.prl"));
-    const std::vector<uint8_t> good = Get(Path("j.prl"));
-    for (size_t i = 0; i < good.size(); ++i) {
-        SCOPED_TRACE(i);
-        std::vector<uint8_t> bad = good;
+    // Any changed byte fails the check, and the split says so without writing anything.
+    for (size_t i = 0; i < joined.size(); ++i) {
+        std::vector<uint8_t> bad = joined;
         bad[i] ^= 0x10;
-        size_t s1 = 12345;
-        EXPECT_FALSE(CheckConcatenatedPrl(bad.data(), bad.size(), s1));
-        EXPECT_EQ(s1, 12345u);
+        EXPECT_FALSE(CheckConcatenatedPrl(bad.data(), bad.size(), s1)) << i;
     }
-    std::vector<uint8_t> bad = good;
-    bad[3] ^= 0x01;
-    EXPECT_EQ(SplitError(Put("bad.prl", bad), Path("x"), Path("y")),
+    joined[3] ^= 1;
+    EXPECT_EQ(ErrorOf([&] { SplitPrl(Put("bad.prl", joined), Path("x"), Path("y")); }),
               "Input file is not a valid Concatenated PRL file.");
     EXPECT_FALSE(fs::exists(Path("x")));
 }
 
-TEST(CheckConcatenatedPrl, RefusesShortAndMalformedBuffers) {
-    // Sealed with a good outer CRC, but the inner size fields point outside or do not add up.
-    auto sealOuter = [](std::vector<uint8_t> v) {
-        const uint16_t crc = Crc16(v.data(), v.size());
-        v.push_back(static_cast<uint8_t>(crc >> 8));
-        v.push_back(static_cast<uint8_t>(crc));
-        return v;
-    };
-    const std::vector<uint8_t> a = ShortList(1);
-    std::vector<uint8_t> both = a;
-    both.insert(both.end(), a.begin(), a.end());
-    std::vector<uint8_t> firstTooLong = both;
-    firstTooLong[1] = static_cast<uint8_t>(both.size() - 1);
-
-    struct Case {
-        const char* name;
-        std::vector<uint8_t> bytes;
-    } cases[] = {
-        {"empty", {}},
-        {"one byte", {0x00}},
-        {"two bytes", {0xFF, 0xFF}},
-        {"CRC of nothing", sealOuter({})},
-        {"size 0 in front", sealOuter({0, 0, 0, 0, 0, 0})},
-        {"size 1 in front", sealOuter({0, 1, 0, 0, 0, 0})},
-        {"first list reaches the second's size field", sealOuter(firstTooLong)},
-        {"second size field one short", [&] {
-             std::vector<uint8_t> v = both;
-             v[11] = static_cast<uint8_t>(v[11] - 1);
-             return sealOuter(v);
-         }()},
-        {"inner CRCs not sealed", sealOuter({0, 4, 0, 0, 0, 4, 0, 0})},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+TEST(CheckConcatenatedPrl, ShortBuffersAndSizeFieldsThatDoNotAddUp) {
+    auto sealed = [](std::vector<uint8_t> v) { return Tarn::Test::Seal(std::move(v)); };  // outer CRC
+    const std::vector<uint8_t> tiny[] = {{}, {0x00}, {0xFF, 0xFF}};
+    for (const auto& bytes : tiny) {
         size_t s1 = 0;
-        EXPECT_FALSE(CheckConcatenatedPrl(c.bytes.empty() ? nullptr : c.bytes.data(),
-                                          c.bytes.size(), s1));
+        EXPECT_FALSE(CheckConcatenatedPrl(bytes.empty() ? nullptr : bytes.data(), bytes.size(), s1));
     }
-    size_t s1 = 0;
-    EXPECT_TRUE(CheckConcatenatedPrl(sealOuter(both).data(), 22, s1));
-    EXPECT_EQ(s1, 10u);
+    // Seal() writes the whole length in front, which is never a valid first size: patch it.
+    auto withFirstSize = [&](uint16_t s1, std::vector<uint8_t> body) {
+        body[0] = static_cast<uint8_t>(s1 >> 8);
+        body[1] = static_cast<uint8_t>(s1);
+        const uint16_t crc = Crc16(body.data(), body.size() - 2);
+        body[body.size() - 2] = static_cast<uint8_t>(crc >> 8);
+        body[body.size() - 1] = static_cast<uint8_t>(crc);
+        return body;
+    };
+    std::vector<uint8_t> addsUp = sealed(std::vector<uint8_t>(20, 0));
+    addsUp[11] = 10;  // 10 + 10 + 2 bytes, but neither inner CRC is sealed
+    for (uint16_t s1 : {0, 1, 9, 10, 11}) {
+        size_t out = 0;
+        const auto bytes = withFirstSize(s1, addsUp);
+        EXPECT_FALSE(CheckConcatenatedPrl(bytes.data(), bytes.size(), out)) << s1;
+    }
 }
 
-TEST_F(ConcatPrlFiles, JoinRefusesWhatIsNotABinaryList) {
-    const fs::path good = Put("good.prl", ShortList(5));
+TEST_F(ConcatPrlFiles, RefusalsOfJoinAndSplit) {
+    const fs::path good = Put("good.prl", TenByteList(5));
     const std::string text = "\r\n\t\t=============== ROAMING LIST ===============\r\n";
     const fs::path textList = Put("list.txt", std::vector<uint8_t>(text.begin(), text.end()));
-    // A valid binary list under a ".txt" name is read as the text form by the editor.
-    const fs::path binaryNamedTxt = Put("binary.TXT", ShortList(6));
-    std::vector<uint8_t> badCrc = ShortList(5);
+    const fs::path binaryNamedTxt = Put("binary.TXT", TenByteList(6));  // opened as text
+    std::vector<uint8_t> badCrc = TenByteList(5);
     badCrc.back() ^= 1;
     const fs::path corrupt = Put("corrupt.prl", badCrc);
-    const fs::path tiny = Put("tiny.prl", {0x00, 0x02});
     const fs::path huge = Put("huge.prl", std::vector<uint8_t>(70000, 0));
+    const fs::path prefixed = Put("prefixed.prl", Tarn::Test::Prefix(TenByteList(3)));
     const fs::path missing = Path("missing.prl");
+    const fs::path noFolder = Path("no/such/folder/out.prl");
+    JoinPrl(prefixed, good, Path("withPrefix.prl"));  // copied as it is, so no longer splittable
+    JoinPrl(good, good, Path("j.prl"));
 
     struct Case {
         const char* name;
-        fs::path first, second;
+        std::function<void()> operation;
         std::string error;
     } cases[] = {
-        {"first missing", missing, good, "Error opening first input file."},
-        {"first is a folder", dir_, good, "Error opening first input file."},
-        {"second missing", good, missing, "Error opening second input file."},
-        {"text first", textList, good, "First input file is not a valid roaming list file."},
-        {"text second", good, textList, "Second input file is not a valid roaming list file."},
-        {"binary under .txt", binaryNamedTxt, good,
+        {"first missing", [&] { JoinPrl(missing, good, Path("o")); }, "Error opening first input file."},
+        {"text first", [&] { JoinPrl(textList, good, Path("o")); },
          "First input file is not a valid roaming list file."},
-        {"bad CRC second", good, corrupt, "Second input file is not a valid roaming list file."},
-        {"two bytes first", tiny, good, "First input file is not a valid roaming list file."},
-        {"too large first", huge, good, "First input file is not a valid roaming list file."},
+        {"text second", [&] { JoinPrl(good, textList, Path("o")); },
+         "Second input file is not a valid roaming list file."},
+        {"binary under .txt", [&] { JoinPrl(binaryNamedTxt, good, Path("o")); },
+         "First input file is not a valid roaming list file."},
+        {"bad CRC second", [&] { JoinPrl(good, corrupt, Path("o")); },
+         "Second input file is not a valid roaming list file."},
+        {"too large first", [&] { JoinPrl(huge, good, Path("o")); },
+         "First input file is not a valid roaming list file."},
+        {"output not writable", [&] { JoinPrl(good, good, noFolder); }, "Error writing output file."},
+        {"split input missing", [&] { SplitPrl(missing, Path("o"), Path("p")); },
+         "Error opening input file."},
+        {"split prefixed join", [&] { SplitPrl(Path("withPrefix.prl"), Path("o"), Path("p")); },
+         "Input file is not a valid Concatenated PRL file."},
+        {"split first output", [&] { SplitPrl(Path("j.prl"), noFolder, Path("p")); },
+         "Error writing first output file."},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(JoinError(c.first, c.second, Path("out.prl")), c.error);
-        EXPECT_FALSE(fs::exists(Path("out.prl")));
+        EXPECT_EQ(ErrorOf(c.operation), c.error);
+        EXPECT_FALSE(fs::exists(Path("o")));
     }
-}
-
-TEST_F(ConcatPrlFiles, PrefixedInputIsCopiedAsItIsAndTheResultCannotBeSplit) {
-    const std::vector<uint8_t> prefixed = Prefix(ShortList(3));
-    JoinPrl(Put("p.prl", prefixed), Put("b.prl", ShortList(4)), Path("j.prl"));
-    const std::vector<uint8_t> joined = Get(Path("j.prl"));
-    ASSERT_EQ(joined.size(), prefixed.size() + 10 + 2);
-    EXPECT_TRUE(std::equal(prefixed.begin(), prefixed.end(), joined.begin()));
-    EXPECT_FALSE(IsConcatenatedPrl(Path("j.prl")));
-    EXPECT_EQ(SplitError(Path("j.prl"), Path("x"), Path("y")),
-              "Input file is not a valid Concatenated PRL file.");
-}
-
-TEST_F(ConcatPrlFiles, SplitReportsAnInputItCannotOpen) {
-    EXPECT_EQ(SplitError(Path("nothing.prl"), Path("x"), Path("y")), "Error opening input file.");
-    EXPECT_EQ(SplitError(dir_, Path("x"), Path("y")), "Error opening input file.");
-    EXPECT_FALSE(IsConcatenatedPrl(Path("nothing.prl")));
-}
-
-TEST_F(ConcatPrlFiles, AnOutputThatCannotBeWrittenIsReported) {
-    JoinPrl(Put("a.prl", ShortList(1)), Put("b.prl", ShortList(2)), Path("j.prl"));
-    const fs::path noFolder = Path("no/such/folder/out.prl");
-    EXPECT_EQ(JoinError(Path("a.prl"), Path("b.prl"), noFolder), "Error writing output file.");
-    EXPECT_EQ(SplitError(Path("j.prl"), noFolder, Path("two.prl")),
-              "Error writing first output file.");
-    EXPECT_EQ(SplitError(Path("j.prl"), Path("one.prl"), noFolder),
+    // The first output of a split stays when the second cannot be written.
+    EXPECT_EQ(ErrorOf([&] { SplitPrl(Path("j.prl"), Path("one.prl"), noFolder); }),
               "Error writing second output file.");
-    EXPECT_TRUE(fs::exists(Path("one.prl")));  // written before the failure, and left as it is
+    EXPECT_EQ(Get("one.prl"), TenByteList(5));
 }
 
 }  // namespace

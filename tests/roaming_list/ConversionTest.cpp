@@ -5,41 +5,95 @@
 
 #include "roaming_list/Conversion.h"
 #include "roaming_list/RLData.h"
+#include "roaming_list/RLManagerText.h"
+#include "roaming_list/Validation.h"
+#include "tests/roaming_list/ListSamples.h"
 
 namespace Tarn {
 namespace {
 
-TEST(ConvertRoamingList, HeaderAcrossTheShortAndLongForms) {
-    CRLData source;
-    CPropData& p = source.GetProperties();
-    p.prefListId = 321;
-    p.prefOnly = true;
-    p.defRoamInd = 7;
-    p.ssprPRev = 3;
-    p.reserved = 0x15;
-    p.numCommonSubnet = 4;
+const std::string kNoAssn = "\tNo\t0\tNo\tNo\t";
 
-    struct Case {
-        int from, to;
-        int sspr, reserved;
-        std::vector<std::string> changes;
-    } cases[] = {
-        {5, 3, 3, 0x15, {}},
-        {4, 2, 0, 0, {"header: reserved bits 21 dropped: IS-683B cannot carry them"}},
-        {1, 5, 3, 0x15, {}},  // a version 1 list holds no reserved bits to lose
+TEST(ConvertRoamingList, GoingDownDropsWhatTheTargetCannotCarryAndSaysSo) {
+    auto source = ListSamples::List(
+        5,
+        {"1\tBoth", "10\t1\t25", "15\t3\t1\t8\tUARFCN_PRESENT\t512", "11\t17\t1459", "3\t25\t799",
+         "5\tA\tF", "253\t2"},
+        {"0\tPref\tNew\tMore\t0\t7" + kNoAssn + "4096\t12\t1",
+         "0\tPref\tNew\tMore\t1\t7" + kNoAssn + "4097\t12\t1",
+         "0\tPref\tSame\tMore\t4\t7" + kNoAssn + "4098\t12\t1",
+         "2\tPref\tSame\tSame\t2\t7" + kNoAssn + "Select Mode\tAny PLMNs",
+         "1\tPref\tNew\tSame\t3\t7" + kNoAssn + "a00::/7",
+         "0\tPref\tNew\tMore\t5\t7\tYes\t9\tYes\tNo\t4099\t12\t1",
+         "14\tPref\tSame\tSame\t0\t7" + kNoAssn + "310\t26",
+         "3\tPref\tSame\tSame\t4\t7" + kNoAssn + "2\t310\t26\t1\t5\t6",
+         "0\tNeg\tSame\tMore\t0\t0" + kNoAssn + "4100\t12\t1",
+         "7\tPref\tNew\tSame\t6\t0" + kNoAssn + "5\t81245670"});
+    source->GetProperties().reserved = 0x15;
+    ConversionResult r = ConvertRoamingList(*source, 5, 2);
+    const std::vector<std::string> expected = {
+        "header: reserved bits 21 dropped: IS-683B cannot carry them",
+        "acquisition record 1 (CDMA Generic) dropped: IS-683B cannot carry it",
+        "acquisition record 2 (GWL Generic) dropped: IS-683B cannot carry it",
+        "acquisition record 3 (HDR Generic) dropped: IS-683B cannot carry it",
+        "acquisition record 6 (type 253) dropped: IS-683B cannot carry it",
+        "system record 1 (95(A,B)/1x) dropped: its acquisition record 1 was dropped",
+        "system record 2 (95(A,B)/1x): acquisition index 4 -> 1",
+        "system record 2 (95(A,B)/1x): geography Same -> New (the record that began its region "
+        "was dropped)",
+        "system record 3 (PLMN-based) dropped: its acquisition record 2 was dropped",
+        "system record 4 (IS-856) dropped: its acquisition record 3 was dropped",
+        "system record 5 (95(A,B)/1x): assnIncluded Yes dropped in IS-683B",
+        "system record 5 (95(A,B)/1x): assnTag 9 dropped in IS-683B",
+        "system record 5 (95(A,B)/1x): pnAssn Yes dropped in IS-683B",
+        "system record 5 (95(A,B)/1x): acquisition index 5 -> 2",
+        "system record 7 (MCC-MNC-based) dropped: IS-683B cannot carry it",
+        // The short form has a priority for preferred records only.
+        "system record 8 (95(A,B)/1x): priority More -> Same in IS-683B",
+        "system record 9 (type 7) dropped: its acquisition record 6 was dropped",
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::to_string(c.from) + " -> " + std::to_string(c.to));
-        ConversionResult r = ConvertRoamingList(source, c.from, c.to);
-        ASSERT_TRUE(r.data);
-        const CPropData& q = r.data->GetProperties();
-        EXPECT_EQ(q.prefListId, 321);
-        EXPECT_TRUE(q.prefOnly);
-        EXPECT_EQ(q.defRoamInd, 7);
-        EXPECT_EQ(q.ssprPRev, c.sspr);
-        EXPECT_EQ(q.reserved, c.reserved);
-        EXPECT_EQ(q.numCommonSubnet, 0);
-        EXPECT_EQ(r.changes, c.changes);
+    EXPECT_EQ(r.changes, expected);
+    ASSERT_TRUE(r.data);
+    EXPECT_EQ(r.data->GetProperties().reserved, 0);
+    EXPECT_TRUE(CheckRoamingList(*r.data, 2).Ok());
+    EXPECT_EQ(RenderRoamingListText(*r.data, 2),
+              ListSamples::Text(2, {"1\tBoth", "3\t25\t799", "5\tA\tF"},
+                                {"0\tPref\tNew\tMore\t0\t7\t4096\t12\t1",
+                                 "0\tPref\tNew\tMore\t1\t7\t4098\t12\t1",
+                                 "0\tPref\tNew\tMore\t2\t7\t4099\t12\t1",
+                                 "14\tPref\tSame\tSame\t0\t7\t310\t26",
+                                 "0\tNeg\tSame\tSame\t0\t0\t4100\t12\t1"}));
+}
+
+TEST(ConvertRoamingList, UpAndBackDownGivesTheOriginalList) {
+    // Records every version has, in the framing of the lowest version of each pair.
+    const std::vector<std::string> acq = {"1\tB", "2\tBoth\tSec", "3\t25\t799\t1600", "4\tA",
+                                          "5\tA\tB\tAny", "6\t1\t1199"};
+    for (int from = 1; from <= 4; ++from) {
+        const std::string assn = from >= 3 ? "\tYes\t200\tNo\tYes\t" : "\t";
+        std::vector<std::string> sys = {"0\tPref\tNew\tMore\t2\t7" + assn + "4096\t12\t1",
+                                        "14\tNeg\tSame\tSame\t5\t0" + assn + "310\t26",
+                                        "0\tPref\tSame\tSame\t0\t64" + assn + "1\t65535\t0"};
+        std::vector<std::string> withHdr = acq;
+        if (from >= 3) {
+            withHdr.push_back("11\t17\t1459");
+            withHdr.push_back("253\t2");
+            sys.push_back("1\tPref\tNew\tSame\t6\t1" + assn + "a00::/7");
+            sys.push_back("7\tPref\tSame\tSame\t7\t0" + assn + "5\t81245670");
+        }
+        auto source = ListSamples::List(from, withHdr, sys);
+        const std::vector<uint8_t> original = ListSamples::Binary(*source, from);
+        ASSERT_FALSE(original.empty());
+        for (int to = from + 1; to <= 5; ++to) {
+            SCOPED_TRACE(std::to_string(from) + " -> " + std::to_string(to));
+            ConversionResult up = ConvertRoamingList(*source, from, to);
+            EXPECT_TRUE(up.changes.empty()) << up.changes.front();
+            EXPECT_EQ(up.data->GetProperties().ssprPRev, to >= 3 ? 3 : 0);
+            EXPECT_FALSE(ListSamples::Binary(*up.data, to).empty());
+            ConversionResult down = ConvertRoamingList(*up.data, to, from);
+            EXPECT_TRUE(down.changes.empty()) << down.changes.front();
+            EXPECT_EQ(ListSamples::Binary(*down.data, from), original);
+        }
     }
 }
 

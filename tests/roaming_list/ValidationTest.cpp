@@ -1,38 +1,30 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "grid/MemoryGrid.h"
+#include "roaming_list/AcqItem.h"
+#include "roaming_list/NameTables.h"
 #include "roaming_list/RLData.h"
+#include "roaming_list/SysItemIS2000.h"
 #include "roaming_list/Validation.h"
+#include "tests/roaming_list/ListSamples.h"
 
 namespace Tarn {
 namespace {
 
-std::vector<unsigned> Ids(const ValidationResult& r) {
-    std::vector<unsigned> ids;
-    for (const auto& i : r.issues) ids.push_back(i.messageId);
-    return ids;
-}
-
 TEST(CheckHeaderFields, RoamingIndicatorFirstThenListId) {
+    const std::string roamText = "The default roaming indicator value is out of range (0-255).";
+    const std::string idText = "The Preferred List ID value is out of range (0-65535).";
     struct Case {
         const char* roamInd;
         const char* listId;
-        unsigned message;  // 0: accepted
-        std::string text;
+        std::string text;  // empty: accepted
     } cases[] = {
-        {"", "", 160, "The default roaming indicator value is out of range (0-255)."},
-        {"", "7", 160, "The default roaming indicator value is out of range (0-255)."},
-        {"256", "7", 160, "The default roaming indicator value is out of range (0-255)."},
-        {"-1", "7", 160, "The default roaming indicator value is out of range (0-255)."},
-        {"1", "", 161, "The Preferred List ID value is out of range (0-65535)."},
-        {"1", "65536", 161, "The Preferred List ID value is out of range (0-65535)."},
-        {"1", "12a", 161, "The Preferred List ID value is out of range (0-65535)."},
-        {" 255 ", "65535", 0, ""},
-        {"0", "0", 0, ""},
+        {"", "", roamText},     {"256", "7", roamText}, {"-1", "7", roamText},
+        {"1", "", idText},      {"1", "65536", idText}, {"1", "12a", idText},
+        {" 255 ", "65535", ""}, {"0", "0", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.roamInd) + "/" + c.listId);
@@ -40,61 +32,152 @@ TEST(CheckHeaderFields, RoamingIndicatorFirstThenListId) {
         prop.defRoamInd = 9;
         prop.prefListId = 9;
         auto issue = CheckHeaderFields(c.roamInd, c.listId, &prop);
-        if (c.message) {
-            ASSERT_TRUE(issue);
-            EXPECT_EQ(issue->messageId, c.message);
-            EXPECT_EQ(issue->text, c.text);
-            EXPECT_EQ(prop.defRoamInd, 9);  // nothing taken on failure
-            EXPECT_EQ(prop.prefListId, 9);
-        } else {
-            EXPECT_FALSE(issue);
-            EXPECT_EQ(prop.defRoamInd, std::stoi(c.roamInd));
-            EXPECT_EQ(prop.prefListId, std::stoi(c.listId));
+        EXPECT_EQ(issue ? issue->text : "", c.text);
+        EXPECT_EQ(issue ? issue->messageId : 0u, c.text.empty() ? 0u : c.text == roamText ? 160u : 161u);
+        EXPECT_EQ(prop.defRoamInd, issue ? 9 : std::stoi(c.roamInd));
+        EXPECT_EQ(prop.prefListId, issue ? 9 : std::stoi(c.listId));
+    }
+}
+
+struct Where {
+    unsigned message;
+    int row;
+    int column;
+    bool operator==(const Where&) const = default;
+};
+
+std::vector<Where> Places(const ValidationResult& r) {
+    std::vector<Where> out;
+    for (const auto& i : r.issues) out.push_back({i.messageId, i.row, i.column});
+    return out;
+}
+
+const std::string kCommon = "Pref\tNew\tSame\t";
+const std::string kTail = "\t1\tNo\t0\tNo\tNo\t";
+
+// An IS-683D list with a record of each kind of fault.
+std::unique_ptr<CRLData> FaultyList() {
+    auto data = ListSamples::List(
+        4, {"10\t1\t25", "11\t17\t1459", "12\t0\t8", "253\t2"},
+        {"0\t" + kCommon + "0" + kTail + "4096\t12\t1",              // fine
+         "1\t" + kCommon + "0" + kTail + "a00::/7",                  // IS-856 on CDMA: 167
+         "0\t" + kCommon + "7" + kTail + "4096\t12\t1",              // index beyond the table: 156
+         "0\t" + kCommon + "1" + kTail + "4096\t12\t1",              // IS-2000 on HDR: 163
+         "2\t" + kCommon + "0" + kTail + "Select Mode\tAny PLMNs",   // PLMN on CDMA: 196
+         "2\t" + kCommon + "2" + kTail + "Select Mode\tAny PLMNs",   // PLMN on GSM: fine
+         "3\t" + kCommon + "0" + kTail + "3\t310\t26\t1\ta00::/7",   // MCC-MNC subnet on CDMA: 205
+         "3\t" + kCommon + "1" + kTail + "2\t310\t26\t1\t5\t6",      // MCC-MNC SID/NID on HDR: 204
+         "1\t" + kCommon + "3" + kTail + "a00::/7"});                // anything on undefined: fine
+    // Two records that fail their own checks, which text would not let in.
+    data->GetAcqTable().Items().Add(CreateAcqItem(3, 4));  // a custom record without channels
+    auto badNid = CreateSysItem(0, 4);
+    dynamic_cast<CSysItemIS2000&>(*badNid).SetNidIncl(3);
+    data->GetSysTable().Items().Add(std::move(badNid));
+    return data;
+}
+
+TEST(CheckRoamingList, NamesEveryFailureWithItsMessageRowAndColumn) {
+    const ValidationResult r = CheckRoamingList(*FaultyList(), 4);
+    const std::vector<Where> expected = {
+        {144, 4, -1}, {167, 1, 4}, {156, 2, 4}, {163, 3, 4},
+        {196, 4, 4},  {205, 6, 4}, {204, 7, 4}, {145, 9, -1},
+    };
+    EXPECT_EQ(Places(r), expected);
+    EXPECT_EQ(r.issues[2].Describe(),
+              "156 (System Table, row 2, column 4): An invalid ACQ Index is entered column 4, row 2 "
+              "of the System Record Table.");
+    EXPECT_EQ(r.issues[0].table, "Acquisition Table");
+}
+
+// Fills a grid the way the record grids do: the type name in column 0, the record after it.
+MemoryGrid GridOf(const CRLItemList& items, const CNameList& types, bool acq) {
+    MemoryGrid grid(acq ? "Acquisition Table" : "System Table", 300,
+                    static_cast<int>(items.GetSize()));
+    for (size_t i = 0; i < items.GetSize(); ++i) {
+        const CRLItem& item = *items.GetAt(i);
+        const int type = acq ? dynamic_cast<const CAcqItem&>(item).GetAcqType()
+                             : dynamic_cast<const CSysItem&>(item).GetSysType();
+        grid.SetCellText(0, static_cast<int>(i), types.GetName(type));
+        item.WriteToGrid(grid, static_cast<int>(i));
+    }
+    return grid;
+}
+
+TEST(TakeListFromEditor, GridsReadBackToTheSameList) {
+    for (int version = 1; version <= 5; ++version) {
+        SCOPED_TRACE(version);
+        const bool hasGsm = version >= 3;
+        std::vector<std::string> acq = {"5\tA\tF", "1\tBoth", "3\t25\t799"};
+        if (hasGsm) acq.push_back("12\t0\t8");  // a type whose cell shows "Invalid"
+        const std::string assn = version >= 3 ? "\tYes\t9\tYes\tNo\t" : "\t";
+        auto data = ListSamples::List(
+            version, acq,
+            {"0\tPref\tNew\tMore\t2\t7" + assn + "4096\t12\t1",
+             "14\tNeg\tSame\tSame\t0\t0" + assn + "310\t26"});
+        const std::vector<uint8_t> before = ListSamples::Binary(*data, version);
+        ASSERT_FALSE(before.empty());
+        const auto& names = CRLNameTables::Instance();
+        const MemoryGrid acqGrid = GridOf(data->GetAcqTable().Items(), names.AcqTypes(version), true);
+        const MemoryGrid sysGrid = GridOf(data->GetSysTable().Items(), names.SysTypes(version), false);
+        if (hasGsm) {
+            EXPECT_EQ(acqGrid.GetCellText(0, 3), "Invalid");
+        }
+
+        data->GetProperties().defRoamInd = 0;  // taken back from the header fields
+        data->GetProperties().prefListId = 0;
+        const ValidationResult r = TakeListFromEditor("1", "100", acqGrid, sysGrid, version, *data);
+        EXPECT_TRUE(r.Ok()) << (r.Ok() ? "" : r.issues[0].Describe());
+        EXPECT_EQ(ListSamples::Binary(*data, version), before);
+
+        if (hasGsm) {
+            // Without the table the grid came from, the "Invalid" type name has no type.
+            CRLItemList out;
+            const ValidationResult fresh = ReadAcqTableFromGrid(acqGrid, version, out);
+            ASSERT_EQ(fresh.issues.size(), 1u);
+            EXPECT_EQ(fresh.issues[0].dataError, 6);
+            EXPECT_EQ(fresh.issues[0].row, 3);
+            EXPECT_EQ(out.GetSize(), 3u);
         }
     }
 }
 
-TEST(AcqTypeRefusal, WhichSystemTypesUseWhichAcquisitionTypes) {
+TEST(TakeListFromEditor, FailuresLeaveTheListAsItWas) {
+    auto data = ListSamples::List(3, {"1\tA", "1\tB"},
+                                  {"0\tPref\tNew\tMore\t0\t7\tNo\t0\tNo\tNo\t4096\t12\t1",
+                                   "0\tPref\tSame\tMore\t1\t7\tNo\t0\tNo\tNo\t4097\t12\t1"});
+    const std::vector<uint8_t> before = ListSamples::Binary(*data, 3);
+    const auto& names = CRLNameTables::Instance();
+    const MemoryGrid acqGrid = GridOf(data->GetAcqTable().Items(), names.AcqTypes(3), true);
+    const MemoryGrid goodSys = GridOf(data->GetSysTable().Items(), names.SysTypes(3), false);
+
+    MemoryGrid gap = goodSys;  // a filled row, an empty one, a filled one, and an empty last row
+    gap.InsertRow(1);
+    gap.InsertRow(3);
+    MemoryGrid badChannel = acqGrid;
+    badChannel.SetCellText(1, 1, "C");
+    MemoryGrid badIndex = goodSys;
+    badIndex.SetCellText(4, 1, "2");
+    MemoryGrid emptyAcq("Acquisition Table", 300, 0);
+
     struct Case {
-        int sysType, subtype;
-        std::vector<int> accepted;
-        unsigned refusal;
+        const char* name;
+        std::string roamInd;
+        const Grid& acq;
+        const Grid& sys;
+        std::vector<Where> issues;
     } cases[] = {
-        {0, 0, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 253}, 163},
-        {14, 0, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 253}, 163},
-        {1, 0, {11, 253}, 167},
-        {2, 0, {12, 13, 14, 15, 253}, 196},
-        {3, 2, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 16, 253}, 204},
-        {3, 3, {11, 253}, 205},
-        {7, 0, {253}, 197},
+        {"empty rows among system rows", "1", acqGrid, gap, {{198, 1, 0}, {198, 3, 0}}},
+        {"header first, grids not read", "", acqGrid, gap, {{160, -1, -1}}},
+        {"record's own refusal; system grid not read", "1", badChannel, gap, {{0, 1, -1}}},
+        {"index beyond the table", "1", acqGrid, badIndex, {{156, 1, 4}}},
+        {"no acquisition rows", "1", emptyAcq, emptyAcq, {{155, -1, -1}, {154, -1, -1}}},
     };
     for (const auto& c : cases) {
-        for (int acq : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 253}) {
-            SCOPED_TRACE("system type " + std::to_string(c.sysType) + "/" +
-                         std::to_string(c.subtype) + ", acquisition type " + std::to_string(acq));
-            const bool ok = std::find(c.accepted.begin(), c.accepted.end(), acq) != c.accepted.end();
-            EXPECT_EQ(AcqTypeRefusal(c.sysType, c.subtype, acq), ok ? 0u : c.refusal);
-        }
+        SCOPED_TRACE(c.name);
+        const ValidationResult r = TakeListFromEditor(c.roamInd, "9", c.acq, c.sys, 3, *data);
+        EXPECT_EQ(Places(r), c.issues);
+        EXPECT_EQ(ListSamples::Binary(*data, 3), before);
     }
-}
-
-TEST(CheckRoamingList, EmptyListNeedsOneRecordOfEachTable) {
-    CRLData data;
-    const ValidationResult r = CheckRoamingList(data, 5);
-    EXPECT_EQ(Ids(r), (std::vector<unsigned>{155, 154}));
-    EXPECT_EQ(r.issues[0].text, "A vallid Roaming List needs at least one acquisiiton record.");
-    EXPECT_EQ(r.issues[1].Describe(), "154: A valid Roaming List needs at least one system record.");
-}
-
-TEST(ReadTableFromGrid, EveryEmptyTypeCellIsRefusedNotSkipped) {
-    MemoryGrid grid("System Table", 12, 3);
-    CRLItemList acq;
-    CRLItemList out;
-    const ValidationResult r = ReadSysTableFromGrid(grid, 3, acq, out);
-    ASSERT_EQ(Ids(r), (std::vector<unsigned>{198, 198, 198}));
-    EXPECT_EQ(r.issues[2].row, 2);
-    EXPECT_EQ(r.issues[2].Describe(), "198 (System Table, row 2, column 0): Empty rows are not allowed.");
-    EXPECT_TRUE(out.IsEmpty());
 }
 
 }  // namespace

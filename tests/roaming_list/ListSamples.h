@@ -1,0 +1,63 @@
+// Whole roaming lists for the list-level tests, written the way a user reads them: as the text
+// form, one "<type code>\t<fields>" string per record (the index is added).
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "roaming_list/RLData.h"
+#include "roaming_list/RLFile.h"
+#include "roaming_list/RLManager.h"
+#include "roaming_list/RLManagerText.h"
+
+namespace Tarn::ListSamples {
+
+inline std::string Header(const std::string& typeName, bool prefOnly = true, int listId = 100,
+                          int roamInd = 1) {
+    return "\r\n\t\t=============== ROAMING LIST ===============\r\n\r\n\tRoaming List Type:\t\t" +
+           typeName + "\r\n\tPreferred Only:\t\t" + (prefOnly ? "TRUE" : "FALSE") +
+           "\r\n\tPreferred List ID:\t\t" + std::to_string(listId) +
+           "\r\n\tDefault Roaming Indicator:\t" + std::to_string(roamInd) + "\r\n";
+}
+
+inline const std::string kAcqHead =
+    "\r\n\t\t*********** Acquisition Table ***********\r\n\r\n"
+    "\tINDEX\tACQ TYPE\tCH1\tCH2\tCH3\tCH4\tCH5\tCH6\tCH7 - - CH31\r\n";
+inline const std::string kSysHead =
+    "\r\n\t\t*********** System Table ***********\r\n\r\n"
+    "INDEX\tSYS TYPE\tNEG/PREF\tGEO\tPRI\tACQ IND\tROAM IND\tASSN INC\tASSN TAG\tPN ASSN\t"
+    "DATA ASSN\tSID, NID / MCC, IMSI_11_12 / SUBNETID / PLMN TYPE, PLMN, LAC\r\n";
+
+inline std::string Lines(const std::vector<std::string>& records) {
+    std::string out;
+    for (size_t i = 0; i < records.size(); ++i)
+        out += "\t" + std::to_string(i) + "\t" + records[i] + "\t\r\n";
+    return out;
+}
+
+// The text exactly as the renderer writes it (every record's fields end in a tab).
+inline std::string Text(int version, const std::vector<std::string>& acq,
+                        const std::vector<std::string>& sys) {
+    return Header(VersionName(version)) + kAcqHead + Lines(acq) + kSysHead + Lines(sys);
+}
+
+inline std::unique_ptr<CRLData> List(int version, const std::vector<std::string>& acq,
+                                     const std::vector<std::string>& sys) {
+    TextDetectResult r = DetectTextVersion(Text(version, acq, sys));
+    if (!r.data) throw std::runtime_error("sample text does not read: " + r.error);
+    return std::move(r.data);
+}
+
+// The bytes a save in `version` writes; empty when the manager refuses the list.
+inline std::vector<uint8_t> Binary(const CRLData& data, int version) {
+    std::unique_ptr<CRLManager> manager = CreateClassFactory(version)->CreateManager();
+    auto copy = std::make_unique<CRLData>(data);
+    manager->AttachData(copy);
+    CRLFile file;
+    if (!manager->WriteList(file)) return {};
+    return file.Bytes();
+}
+
+}  // namespace Tarn::ListSamples
