@@ -18,6 +18,7 @@
 
 #include "app/MainFrame.h"
 #include "app/RLDoc.h"
+#include "app/mmss/MmssDocuments.h"
 #include "app/wizards/ConcatPrlWizards.h"
 #include "foundation/MessageTable.h"
 #include "roaming_list/RLManager.h"
@@ -188,17 +189,16 @@ void CTessaryApp::RegisterTemplates() {
             return std::make_unique<CRLDoc>(t, text);
         };
     };
-    // The MMSS documents are not part of the editor yet; their templates are registered so that
-    // the choice of template for a path stays whole.
-    auto none = [](CDocTemplate&) -> std::unique_ptr<CDocument> { return nullptr; };
     templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateRoamingList, rl(false)));
     templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateText, rl(true)));
-    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateMspl, none));
-    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateBst3Gpp, none));
-    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateMlpl, none));
-    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplatePlmn, none));
-    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateTot, none));
-    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateLaf, none));
+    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateMspl, App::CreateMsplDocument));
+    templates_.push_back(
+        std::make_unique<CDocTemplate>(Msg::TemplateBst3Gpp, App::CreateBst3GppDocument));
+    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateMlpl, App::CreateMlplDocument));
+    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplatePlmn, App::CreatePlmnDocument));
+    templates_.push_back(
+        std::make_unique<CDocTemplate>(Msg::TemplateTot, App::CreateTechOrderDocument));
+    templates_.push_back(std::make_unique<CDocTemplate>(Msg::TemplateLaf, App::CreateLafDocument));
 }
 
 CDocTemplate* CTessaryApp::Template(int number) const {
@@ -270,13 +270,7 @@ bool CTessaryApp::InitInstance(const QStringList& arguments, bool showWindow) {
 
 int CTessaryApp::RunCommandLine() {
     const FileKind kind = CommandLineKind(first_.toStdString(), second_.toStdString());
-    if (kind != FileKind::RoamingList) {
-        Prompts().Message(nullptr,
-                          tr("%1 files are not supported by the command-line mode yet.")
-                              .arg(KindName(TemplateNumberOfKind(kind))),
-                          MsgIcon::Error);
-        return 1;
-    }
+    if (kind != FileKind::RoamingList) return App::RunMmssCommandLine(kind, option_, first_, second_);
     exitCode_ = 0;
     std::unique_ptr<CDocument> doc = Template(1)->CreateDocument();
     if (!doc || !doc->OnNewDocument()) return exitCode_ ? exitCode_ : 1;

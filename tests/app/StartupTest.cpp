@@ -115,7 +115,7 @@ TEST(CommandLineProgram, FailsWithoutAWindowOnBadCommandLines) {
         {{"-f", dir.filePath("missing.prl"), out},
          1,
          "The Roaming List file is not a recognized format."},
-        {{"-c", dir.filePath("a.mspl"), out}, 1, "not supported"},
+        {{"-c", dir.filePath("a.mspl"), out}, 1, "No such file"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args.join(' ').toStdString());
@@ -238,16 +238,15 @@ TEST(Templates, DroppedFilesOpenThroughRuleB) {
     EXPECT_EQ(f.app->RecentFiles().front(), f.Path("dropped.prl"));
 }
 
-TEST(Templates, MmssKindsAreRegisteredButNotAvailableYet) {
+TEST(Templates, MmssKindsMakeTheirDocuments) {
     AppFixture f;
     const size_t before = f.app->Documents().size();
     f.prompts.Clear();
     f.app->OnNewPlmn(2);
     EXPECT_EQ(f.app->PlmnKind(), 2);
     f.app->OnNewOfTemplate(3);
-    EXPECT_EQ(f.app->Documents().size(), before);
-    ASSERT_EQ(f.prompts.messages.size(), 2u);
-    EXPECT_TRUE(f.prompts.messages[0].text.contains("not available yet"));
+    EXPECT_EQ(f.app->Documents().size(), before + 2);
+    EXPECT_TRUE(f.prompts.messages.empty());
 }
 
 // ---- New commands and the current version ------------------------------------------------------
