@@ -621,11 +621,11 @@ bool Document::OnOpenDocument(const QString& path) {
 }
 
 FileDialogSpec Document::SaveAsSpec() const {
-    FileDialogSpec spec = MmssDocument::SaveAsSpec();
+    FileDialogSpec request = MmssDocument::SaveAsSpec();
     const QString ext = KindTitle().toLower();
-    spec.filter = tr("%1 Files (*.%2)|*.%2|All Files (*.*)|*.*||").arg(KindTitle(), ext);
-    spec.defaultSuffix = ext;
-    return spec;
+    request.filter = tr("%1 Files (*.%2)|*.%2|All Files (*.*)|*.*||").arg(KindTitle(), ext);
+    request.defaultSuffix = ext;
+    return request;
 }
 
 std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,

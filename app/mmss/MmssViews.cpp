@@ -43,10 +43,10 @@ private:
     MmssDocument& doc_;
 };
 
-QLineEdit* MakeField(const FieldSpec& spec, QWidget* parent) {
+QLineEdit* MakeField(const FieldSpec& request, QWidget* parent) {
     auto* edit = new QLineEdit(parent);
-    edit->setObjectName(QString::fromStdString(spec.key));
-    const int digits = std::max(spec.maxLength, 3) + 3;
+    edit->setObjectName(QString::fromStdString(request.key));
+    const int digits = std::max(request.maxLength, 3) + 3;
     edit->setMaximumWidth(edit->fontMetrics().horizontalAdvance(QString(digits, '0')) + 16);
     return edit;
 }
@@ -74,12 +74,12 @@ void IndexedGridView::updateGeometries() {
 MmssTabPage::MmssTabPage(MmssDocument& doc, int tab, QWidget* parent)
     : QWidget(parent), doc_(doc), tab_(tab) {
     auto* layout = new QVBoxLayout(this);
-    const auto specs = doc.TabFields();
-    if (!specs.empty()) {
+    const auto requests = doc.TabFields();
+    if (!requests.empty()) {
         auto* row = new QHBoxLayout;
-        for (size_t i = 0; i < specs.size(); ++i) {
-            QLineEdit* edit = MakeField(specs[i], this);
-            auto* label = new QLabel(specs[i].label, this);
+        for (size_t i = 0; i < requests.size(); ++i) {
+            QLineEdit* edit = MakeField(requests[i], this);
+            auto* label = new QLabel(requests[i].label, this);
             label->setBuddy(edit);
             row->addWidget(label);
             row->addWidget(edit);
@@ -133,16 +133,16 @@ QLineEdit* MmssTabPage::Field(int index) const {
 
 void MmssTabPage::Commit() {
     if (tab_ >= doc_.TabCount()) return;
-    const auto specs = doc_.TabFields();
-    for (size_t i = 0; i < fields_.size() && i < specs.size(); ++i)
-        doc_.SetTabValue(tab_, specs[i].key, fields_[i]->text().toStdString());
+    const auto requests = doc_.TabFields();
+    for (size_t i = 0; i < fields_.size() && i < requests.size(); ++i)
+        doc_.SetTabValue(tab_, requests[i].key, fields_[i]->text().toStdString());
 }
 
 void MmssTabPage::Load() {
     if (tab_ >= doc_.TabCount()) return;
-    const auto specs = doc_.TabFields();
-    for (size_t i = 0; i < fields_.size() && i < specs.size(); ++i) {
-        const QString value = QString::fromStdString(doc_.TabValue(tab_, specs[i].key));
+    const auto requests = doc_.TabFields();
+    for (size_t i = 0; i < fields_.size() && i < requests.size(); ++i) {
+        const QString value = QString::fromStdString(doc_.TabValue(tab_, requests[i].key));
         if (fields_[i]->text() != value) fields_[i]->setText(value);
     }
 }
@@ -159,13 +159,13 @@ MmssView::MmssView(MmssDocument& doc, QWidget* parent) : QWidget(parent), doc_(d
     auto* layout = new QVBoxLayout(this);
 
     // Header form.
-    const auto specs = doc.HeaderFields();
-    if (!specs.empty()) {
+    const auto requests = doc.HeaderFields();
+    if (!requests.empty()) {
         auto* box = new QGroupBox(tr("%1 Header").arg(doc.KindTitle()), this);
         auto* row = new QHBoxLayout(box);
-        for (const auto& spec : specs) {
-            QLineEdit* edit = MakeField(spec, box);
-            auto* label = new QLabel(spec.label, box);
+        for (const auto& request : requests) {
+            QLineEdit* edit = MakeField(request, box);
+            auto* label = new QLabel(request.label, box);
             label->setBuddy(edit);
             row->addWidget(label);
             row->addWidget(edit);
@@ -315,9 +315,9 @@ void MmssView::RebuildPages() {
 }
 
 void MmssView::CommitAll() {
-    const auto specs = doc_.HeaderFields();
-    for (size_t i = 0; i < header_.size() && i < specs.size(); ++i)
-        doc_.SetHeaderValue(specs[i].key, header_[i]->text().toStdString());
+    const auto requests = doc_.HeaderFields();
+    for (size_t i = 0; i < header_.size() && i < requests.size(); ++i)
+        doc_.SetHeaderValue(requests[i].key, header_[i]->text().toStdString());
     if (tabs_) {
         for (int i = 0; i < tabs_->count(); ++i)
             if (MmssTabPage* p = Page(i)) {
@@ -330,9 +330,9 @@ void MmssView::CommitAll() {
 }
 
 void MmssView::LoadHeader() {
-    const auto specs = doc_.HeaderFields();
-    for (size_t i = 0; i < header_.size() && i < specs.size(); ++i) {
-        const QString value = QString::fromStdString(doc_.HeaderValue(specs[i].key));
+    const auto requests = doc_.HeaderFields();
+    for (size_t i = 0; i < header_.size() && i < requests.size(); ++i) {
+        const QString value = QString::fromStdString(doc_.HeaderValue(requests[i].key));
         if (header_[i]->text() != value) header_[i]->setText(value);
     }
 }
