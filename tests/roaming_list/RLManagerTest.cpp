@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "roaming_list/RLFile.h"
+#include "roaming_list/RLJson.h"
 #include "roaming_list/RLManager.h"
 #include "tests/support/ListBytes.h"
 
@@ -195,6 +196,47 @@ TEST(VersionNames, RoundTripAndCaseInsensitiveLookup) {
     EXPECT_EQ(VersionName(6), "Invalid");
     EXPECT_EQ(VersionFromName("is-683c"), 3);
     EXPECT_EQ(VersionFromName("IS-683F"), 0);
+}
+
+}  // namespace
+}  // namespace Tarn
+
+namespace Tarn {
+namespace {
+
+// Lists with records, written by each version's manager from the same JSON description, are
+// detected as the lowest version that reads them whole. A long-header list whose default roaming
+// indicator is 0 makes the short-header reader see plausible counts; it must still not be taken
+// for IS-683A.
+TEST(DetectVersion, ListsWithRecordsAreTakenAsTheLowestVersionThatReadsThemWhole) {
+    struct Case {
+        int writtenAs;
+        int acqType;
+        int detected;
+    } cases[] = {
+        {1, 1, 1}, {2, 1, 1}, {2, 7, 2}, {3, 1, 3}, {3, 10, 3}, {4, 2, 3}, {5, 6, 3},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.writtenAs) + "/" + std::to_string(c.acqType));
+        nlohmann::json acq = {{"type", c.acqType}, {"system", 0}, {"channel", 1},
+                              {"channels", {25}}, {"pairs", {{{"bandClass", 1}, {"channel", 25}}}}};
+        nlohmann::json sys = {{"type", 0},         {"negPref", 1}, {"geography", 0},
+                              {"priority", 1},     {"acqIndex", 0}, {"roamInd", 0},
+                              {"assnIncluded", 0}, {"sid", 4139},   {"nidIncl", 0}};
+        nlohmann::json j = {{"version", c.writtenAs},
+                            {"header", {{"prefListId", 0}, {"prefOnly", false}, {"defRoamInd", 0}}},
+                            {"acquisitionTable", {acq}},
+                            {"systemTable", {sys, sys}}};
+        int version = 0;
+        auto data = ListFromJson(j, version);
+        auto writer = CreateClassFactory(version)->CreateManager();
+        writer->AttachData(data);
+        CRLFile file;
+        ASSERT_TRUE(writer->WriteList(file)) << writer->GetLastError();
+        DetectResult r = DetectVersion(file);
+        ASSERT_TRUE(r.manager) << r.error;
+        EXPECT_EQ(r.manager->GetVersion(), c.detected);
+    }
 }
 
 }  // namespace
