@@ -7,6 +7,7 @@
 #include "roaming_list/ConcatPrl.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
+#include "roaming_list/Validation.h"
 
 namespace Tarn::Cli {
 namespace {
@@ -57,6 +58,10 @@ bool CheckOne(const std::string& path) {
               << (m.IsPrefixed() ? "prefixed" : "not prefixed") << ", "
               << m.GetData().GetAcqTable().GetSize() << " acquisition and "
               << m.GetData().GetSysTable().GetSize() << " system records\n";
+    // The file itself is sound; what the editor's save checks would still refuse is worth
+    // knowing before the list goes to a handset.
+    for (const auto& issue : CheckRoamingList(m.GetData(), m.GetVersion()).issues)
+        std::cout << "  warning: " << issue.Describe() << '\n';
     return true;
 }
 
