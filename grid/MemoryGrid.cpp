@@ -1,5 +1,6 @@
 #include "grid/MemoryGrid.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace Tarn {
@@ -11,14 +12,24 @@ ChoiceList MakeChoices(std::vector<std::string> names) {
 MemoryGrid::MemoryGrid(std::string tableName, int columns, int rows)
     : tableName_(std::move(tableName)), columns_(columns), rows_(rows) {}
 
+namespace {
+
+template <typename Row>
+auto ColumnAt(Row& row, int column) {
+    return std::lower_bound(row.begin(), row.end(), column,
+                            [](const auto& cell, int c) { return cell.first < c; });
+}
+
+}  // namespace
+
 void MemoryGrid::SetColumnCount(int columns) {
     columns_ = columns < 0 ? 0 : columns;
-    for (auto& [row, cols] : cells_) cols.erase(cols.lower_bound(columns_), cols.end());
+    for (Row& row : cells_) row.erase(ColumnAt(row, columns_), row.end());
 }
 
 void MemoryGrid::SetRowCount(int rows) {
     rows_ = rows < 0 ? 0 : rows;
-    cells_.erase(cells_.lower_bound(rows_), cells_.end());
+    if (cells_.size() > static_cast<size_t>(rows_)) cells_.resize(static_cast<size_t>(rows_));
 }
 
 bool MemoryGrid::Inside(int column, int row) const {
@@ -26,17 +37,23 @@ bool MemoryGrid::Inside(int column, int row) const {
 }
 
 MemoryGrid::Cell* MemoryGrid::Find(int column, int row) {
-    auto r = cells_.find(row);
-    if (r == cells_.end()) return nullptr;
-    auto c = r->second.find(column);
-    return c == r->second.end() ? nullptr : &c->second;
+    if (row < 0 || static_cast<size_t>(row) >= cells_.size()) return nullptr;
+    Row& r = cells_[static_cast<size_t>(row)];
+    auto it = ColumnAt(r, column);
+    return (it != r.end() && it->first == column) ? &it->second : nullptr;
 }
 
 const MemoryGrid::Cell* MemoryGrid::Find(int column, int row) const {
     return const_cast<MemoryGrid*>(this)->Find(column, row);
 }
 
-MemoryGrid::Cell& MemoryGrid::At(int column, int row) { return cells_[row][column]; }
+MemoryGrid::Cell& MemoryGrid::At(int column, int row) {
+    if (static_cast<size_t>(row) >= cells_.size()) cells_.resize(static_cast<size_t>(row) + 1);
+    Row& r = cells_[static_cast<size_t>(row)];
+    auto it = ColumnAt(r, column);
+    if (it == r.end() || it->first != column) it = r.emplace(it, column, Cell{});
+    return it->second;
+}
 
 std::string MemoryGrid::GetCellText(int column, int row) const {
     const Cell* c = Find(column, row);
@@ -88,10 +105,9 @@ ChoiceList MemoryGrid::GetCellChoices(int column, int row) const {
 }
 
 void MemoryGrid::ClearRow(int row, int fromColumn) {
-    auto r = cells_.find(row);
-    if (r == cells_.end()) return;
-    r->second.erase(r->second.lower_bound(fromColumn), r->second.end());
-    if (r->second.empty()) cells_.erase(r);
+    if (row < 0 || static_cast<size_t>(row) >= cells_.size()) return;
+    Row& r = cells_[static_cast<size_t>(row)];
+    r.erase(ColumnAt(r, fromColumn), r.end());
 }
 
 std::string MemoryGrid::GetColumnHeading(int column) const {
@@ -106,34 +122,20 @@ void MemoryGrid::SetColumnHeading(int column, const std::string& heading) {
 
 void MemoryGrid::InsertRow(int row) {
     if (row < 0 || row > rows_) return;
-    std::map<int, std::map<int, Cell>> moved;
-    for (auto it = cells_.begin(); it != cells_.end();) {
-        if (it->first >= row) {
-            moved.emplace(it->first + 1, std::move(it->second));
-            it = cells_.erase(it);
-        } else {
-            ++it;
-        }
-    }
-    cells_.merge(moved);
+    if (static_cast<size_t>(row) <= cells_.size())
+        cells_.insert(cells_.begin() + row, Row{});
     ++rows_;
 }
 
 void MemoryGrid::RemoveRow(int row) {
     if (row < 0 || row >= rows_) return;
-    cells_.erase(row);
-    std::map<int, std::map<int, Cell>> moved;
-    for (auto it = cells_.upper_bound(row); it != cells_.end();) {
-        moved.emplace(it->first - 1, std::move(it->second));
-        it = cells_.erase(it);
-    }
-    cells_.merge(moved);
+    if (static_cast<size_t>(row) < cells_.size()) cells_.erase(cells_.begin() + row);
     --rows_;
 }
 
 size_t MemoryGrid::StoredCellCount() const {
     size_t n = 0;
-    for (const auto& [row, cols] : cells_) n += cols.size();
+    for (const Row& r : cells_) n += r.size();
     return n;
 }
 
