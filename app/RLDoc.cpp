@@ -74,6 +74,14 @@ CRLDoc::CRLDoc(CDocTemplate& tmpl, bool textView)
         });
         Grid(t).SetRowInitializer([this, t](GridModel&, int row) { InitTypeCell(t, row); });
     }
+    // A count or a system mode of a GWL or 3GPP row places the cells after it.
+    acqGrid_.SetCellHandler([this](GridModel& grid, int row, int column, const std::string& old) {
+        int code = 0;
+        if (!CRLNameTables::Instance().AcqTypes(version_).FindValue(grid.GetCellText(0, row), code))
+            return;
+        auto item = CreateAcqItem(code, version_);
+        if (item && item->OnCellEdited(grid, row, column, old)) RefreshHeadings(Table::Acq, row);
+    });
 }
 
 CRLDoc::~CRLDoc() = default;
@@ -224,6 +232,7 @@ void CRLDoc::RefreshHeadings(Table table, int row) {
         item->ReadFromGrid(grid, row,
                            GridContext{version_, &manager_->GetData().GetAcqTable().Items()});
     } catch (...) {
+        if (auto* acq = dynamic_cast<CAcqItem*>(item.get())) acq->AdoptRowLayout(grid, row);
     }
     item->OnGridHeading(grid, kGridHeadingEvent);
 }

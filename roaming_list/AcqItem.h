@@ -41,6 +41,18 @@ public:
     // Whether the record has a form in versions 1 and 2 (types 1..9 only).
     virtual bool HasShortForm() const { return GetAcqType() <= 9; }
 
+    // Called after the cell at `column` of the record's grid row changed from `oldText`: a record
+    // whose counts place its later cells moves them to fit and returns true (the row's headings
+    // then need renewing). Others need nothing and return false.
+    virtual bool OnCellEdited(Grid& grid, int row, int column, const std::string& oldText) const {
+        (void)grid, (void)row, (void)column, (void)oldText;
+        return false;
+    }
+    // Takes the shape of a grid row that does not read yet (a band still to be chosen), so that
+    // OnGridHeading titles the columns the row really has. Records whose columns are fixed
+    // ignore it.
+    virtual void AdoptRowLayout(const Grid& grid, int row) { (void)grid, (void)row; }
+
 protected:
     // The type-specific fields alone. `octetLength` is the length read in the long framing, or -1
     // in the short one; only the records that carry no count of their own look at it.

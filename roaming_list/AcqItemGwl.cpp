@@ -172,6 +172,115 @@ void CGwlTechnologyList::WriteToGrid(Grid& grid, int row, int ratColumn, int lim
 
 void CGwlTechnologyList::ReadFromGrid(const Grid& grid, int row, int ratColumn, int limit,
                                       uint32_t headerBits) {
+    ReadCells(grid, row, ratColumn, limit, headerBits);
+}
+
+void CGwlTechnologyList::AdoptRowLayout(const Grid& grid, int row, int ratColumn, int limit) {
+    technologies = LayoutFromRow(grid, row, ratColumn, limit);
+}
+
+namespace {
+
+// A count cell read without complaint: 0 when it holds no number, never above `max`.
+size_t LenientCount(const std::string& text, size_t max) {
+    long long value = 0;
+    if (!ParseNumber(text, value) || value < 0) return 0;
+    return std::min(static_cast<size_t>(value), max);
+}
+
+struct TechCells {
+    std::string mode;
+    std::string count;
+    std::vector<std::pair<std::string, std::string>> bands;  // band, UARFCN
+};
+
+}  // namespace
+
+std::vector<GwlTechnology> CGwlTechnologyList::LayoutFromRow(const Grid& grid, int row,
+                                                             int ratColumn, int limit) const {
+    std::vector<GwlTechnology> techs;
+    const size_t rats = LenientCount(grid.GetCellText(ratColumn, row), MaxRats());
+    int col = ratColumn + 1;
+    for (size_t i = 0; i < rats && col < limit; ++i) {
+        GwlTechnology t;
+        int mode = 0;
+        if (Names().GwlSysMode().FindValue(grid.GetCellText(col, row), mode))
+            t.sysMode = static_cast<uint8_t>(mode);
+        const size_t bands = LenientCount(grid.GetCellText(col + 1, row), MaxBands());
+        t.bands.resize(bands);
+        col += 2 + 2 * static_cast<int>(bands);
+        techs.push_back(std::move(t));
+    }
+    return techs;
+}
+
+bool CGwlTechnologyList::RelayoutRow(Grid& grid, int row, int ratColumn, int limit, int column,
+                                     const std::string& oldText) const {
+    auto text = [&](int c) { return c == column ? oldText : grid.GetCellText(c, row); };
+    // The row as it was laid out before the edit.
+    std::vector<TechCells> techs;
+    const size_t rats = LenientCount(text(ratColumn), MaxRats());
+    bool placesSomething = column == ratColumn;
+    int col = ratColumn + 1;
+    for (size_t i = 0; i < rats && col < limit; ++i) {
+        TechCells t{text(col), text(col + 1), {}};
+        placesSomething = placesSomething || column == col || column == col + 1;
+        const size_t bands = LenientCount(t.count, MaxBands());
+        for (size_t j = 0; j < bands; ++j) {
+            const int c = col + 2 + 2 * static_cast<int>(j);
+            t.bands.emplace_back(text(c), text(c + 1));
+        }
+        col += 2 + 2 * static_cast<int>(bands);
+        techs.push_back(std::move(t));
+    }
+    if (!placesSomething) return false;
+
+    // Apply the edit: the new technology count, band count or system mode.
+    const std::string edited = grid.GetCellText(column, row);
+    if (column == ratColumn) {
+        const size_t wanted = LenientCount(edited, MaxRats());
+        techs.resize(wanted, TechCells{"", "1", {{"", ""}}});
+    } else {
+        col = ratColumn + 1;
+        for (auto& t : techs) {
+            if (column == col) t.mode = edited;
+            if (column == col + 1) {
+                t.count = edited;
+                t.bands.resize(LenientCount(edited, MaxBands()));
+            }
+            col += 2 + 2 * static_cast<int>(LenientCount(text(col + 1), MaxBands()));
+        }
+    }
+
+    // Write the row again from the technology count on.
+    const std::string ratText = grid.GetCellText(ratColumn, row);
+    grid.ClearRow(row, ratColumn);
+    if (ratColumn < limit) SetEditCell(grid, ratColumn, row, "9", ratText);
+    const auto& modes = Names().GwlSysMode();
+    col = ratColumn + 1;
+    for (const auto& t : techs) {
+        if (col < limit) SetDropDownCell(grid, col, row, modes, t.mode);
+        if (col + 1 < limit) SetEditCell(grid, col + 1, row, "999", t.count);
+        col += 2;
+        int mode = 0;
+        const CNameList* list =
+            modes.FindValue(t.mode, mode) ? BandList(static_cast<uint8_t>(mode)) : nullptr;
+        for (const auto& [band, uarfcn] : t.bands) {
+            if (col < limit) {
+                if (list)
+                    SetDropDownCell(grid, col, row, *list, band);
+                else
+                    SetEditCell(grid, col, row, "999", band);
+            }
+            if (col + 1 < limit) SetEditCell(grid, col + 1, row, "99999", uarfcn);
+            col += 2;
+        }
+    }
+    return true;
+}
+
+void CGwlTechnologyList::ReadCells(const Grid& grid, int row, int ratColumn, int limit,
+                                   uint32_t headerBits) {
     const auto ratCount =
         ReadNumberCell(grid, ratColumn, row, 1, static_cast<long long>(MaxRats()));
     uint32_t bits = headerBits + static_cast<uint32_t>(layout_.ratCountWidth);
@@ -359,6 +468,15 @@ void AcqItemGenericGwl::ReadFromGrid(const Grid& grid, int row, const GridContex
     list_.ReadFromGrid(grid, row, 1, ColumnLimit(grid, kLastColumn), 0);
 }
 
+bool AcqItemGenericGwl::OnCellEdited(Grid& grid, int row, int column,
+                                     const std::string& oldText) const {
+    return list_.RelayoutRow(grid, row, 1, ColumnLimit(grid, kLastColumn), column, oldText);
+}
+
+void AcqItemGenericGwl::AdoptRowLayout(const Grid& grid, int row) {
+    list_.AdoptRowLayout(grid, row, 1, ColumnLimit(grid, kLastColumn));
+}
+
 bool AcqItemGenericGwl::OnGridHeading(Grid& grid, int event) const {
     if (event != kGridHeadingEvent) return true;
     std::vector<std::string> headings;
@@ -419,6 +537,15 @@ void AcqItem3GPPGeneric::ReadFromGrid(const Grid& grid, int row, const GridConte
     list_.ReadFromGrid(grid, row, 2, ColumnLimit(grid, kLastColumn),
                        static_cast<uint32_t>(versionWidth_));
     version_ = static_cast<uint8_t>(version);
+}
+
+bool AcqItem3GPPGeneric::OnCellEdited(Grid& grid, int row, int column,
+                                      const std::string& oldText) const {
+    return list_.RelayoutRow(grid, row, 2, ColumnLimit(grid, kLastColumn), column, oldText);
+}
+
+void AcqItem3GPPGeneric::AdoptRowLayout(const Grid& grid, int row) {
+    list_.AdoptRowLayout(grid, row, 2, ColumnLimit(grid, kLastColumn));
 }
 
 bool AcqItem3GPPGeneric::OnGridHeading(Grid& grid, int event) const {

@@ -70,6 +70,14 @@ public:
     void WriteToGrid(Grid& grid, int row, int ratColumn, int limit) const;
     void ReadFromGrid(const Grid& grid, int row, int ratColumn, int limit, uint32_t headerBits);
     void AppendHeadings(std::vector<std::string>& headings) const;
+    // Lays the row out anew after the cell at `column` changed from `oldText`: a new technology
+    // count or band count adds empty columns or drops the last ones of that technology, a new
+    // system mode offers its own bands; the cells already typed move with their technology.
+    // False when the edited cell places nothing.
+    bool RelayoutRow(Grid& grid, int row, int ratColumn, int limit, int column,
+                     const std::string& oldText) const;
+    // Takes the counts and modes of a row that does not read yet (bands left at 0).
+    void AdoptRowLayout(const Grid& grid, int row, int ratColumn, int limit);
 
     std::string ToText() const;
     void FromText(const std::vector<std::string>& tokens, size_t first);
@@ -77,6 +85,12 @@ public:
     void FromJson(const nlohmann::json& in);
 
 private:
+    // The counts and modes a row holds, read leniently, so headings and layout follow what the
+    // user typed even before every band is filled in.
+    std::vector<GwlTechnology> LayoutFromRow(const Grid& grid, int row, int ratColumn,
+                                             int limit) const;
+    void ReadCells(const Grid& grid, int row, int ratColumn, int limit, uint32_t headerBits);
+
     const CNameList* lteBands_;
     GwlLayout layout_;
 };
@@ -109,6 +123,8 @@ public:
     void WriteToGrid(Grid& grid, int row) const override;
     void ReadFromGrid(const Grid& grid, int row, const GridContext& context) override;
     bool OnGridHeading(Grid& grid, int event) const override;
+    bool OnCellEdited(Grid& grid, int row, int column, const std::string& oldText) const override;
+    void AdoptRowLayout(const Grid& grid, int row) override;
     std::string ToText() const override;
     void FromText(const std::vector<std::string>& tokens) override;
     void ToJson(nlohmann::json& out) const override;
@@ -158,6 +174,8 @@ public:
     void WriteToGrid(Grid& grid, int row) const override;
     void ReadFromGrid(const Grid& grid, int row, const GridContext& context) override;
     bool OnGridHeading(Grid& grid, int event) const override;
+    bool OnCellEdited(Grid& grid, int row, int column, const std::string& oldText) const override;
+    void AdoptRowLayout(const Grid& grid, int row) override;
     std::string ToText() const override;
     void FromText(const std::vector<std::string>& tokens) override;
     void ToJson(nlohmann::json& out) const override;

@@ -382,10 +382,13 @@ void GridModel::RecordRowChange(std::vector<int> rows, const QString& label,
 }
 
 void GridModel::ApplyCellEdit(const CellEdit& e) {
-    if (e.column == 0 && typeHandler_)
+    if (e.column == 0 && typeHandler_) {
         typeHandler_(*this, e.row, e.text);
-    else
-        SetCellText(e.column, e.row, e.text);
+        return;
+    }
+    const std::string old = grid_.GetCellText(e.column, e.row);
+    SetCellText(e.column, e.row, e.text);
+    if (e.column != 0 && cellHandler_) cellHandler_(*this, e.row, e.column, old);
 }
 
 void GridModel::EditCells(const std::vector<CellEdit>& edits, const QString& label) {

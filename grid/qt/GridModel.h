@@ -89,6 +89,12 @@ public:
     using TypeHandler = std::function<void(GridModel& grid, int row, const std::string& text)>;
     void SetTypeHandler(TypeHandler handler) { typeHandler_ = std::move(handler); }
     // Prepares a newly inserted, empty row (the type cell's drop-down).
+    // Called after a cell other than the type cell took new text, inside the same undoable
+    // change, so that a record can lay its row out anew.
+    using CellHandler =
+        std::function<void(GridModel& grid, int row, int column, const std::string& oldText)>;
+    void SetCellHandler(CellHandler handler) { cellHandler_ = std::move(handler); }
+
     using RowInitializer = std::function<void(GridModel& grid, int row)>;
     void SetRowInitializer(RowInitializer init) { rowInit_ = std::move(init); }
 
@@ -126,6 +132,7 @@ private:
     QUndoStack* undoStack_ = nullptr;
     TypeHandler typeHandler_;
     RowInitializer rowInit_;
+    CellHandler cellHandler_;
 };
 
 }  // namespace Tarn

@@ -145,5 +145,24 @@ TEST(RLDocUndo, HeaderAndCellEditsUndoThroughTheDocument) {
     EXPECT_EQ(sys.GetCellText(5, 0), "12");
 }
 
+// Raising a band count of a GWL row opens room for the band and moves the next technology,
+// in one undoable step, and the headings follow.
+TEST(RLDocUndo, BandCountEditsLayTheGwlRowOutAgain) {
+    AppFixture f;
+    CRLDoc* doc = Open(f, QStringLiteral(TARN_EXAMPLES_DIR "/example-is683e.prl"));
+    ASSERT_TRUE(doc);
+    GridModel& acq = doc->Grid(CRLDoc::Table::Acq);
+    const int row = 5;
+    ASSERT_EQ(acq.GetCellText(0, row), "GWL Generic");
+    ASSERT_EQ(acq.GetCellText(8, row), "WCDMA");
+    acq.setData(acq.index(row, 3), "3", Qt::EditRole);
+    EXPECT_EQ(acq.GetCellText(8, row), "");
+    EXPECT_EQ(acq.GetCellText(10, row), "WCDMA");
+    EXPECT_EQ(acq.GetColumnHeading(8), "Band 3");
+    doc->UndoStack().undo();
+    EXPECT_EQ(acq.GetCellText(3, row), "2");
+    EXPECT_EQ(acq.GetCellText(8, row), "WCDMA");
+}
+
 }  // namespace
 }  // namespace Tarn
