@@ -367,6 +367,28 @@ bool CRLDoc::ConvertTo(int version) {
     return true;
 }
 
+bool CRLDoc::RenderTextQuietly(QString& text) {
+    try {
+        std::unique_ptr<CRLData> data;
+        if (!textView_) {
+            ListProblem problem;
+            data = TakeListFromViews(version_, manager_->GetData(), header_, acqGrid_, sysGrid_,
+                                     problem);
+            if (!data) return false;
+        }
+        std::unique_ptr<CRLManager> manager = CreateClassFactory(version_)->CreateManager();
+        if (data) manager->AttachData(data);
+        else {
+            auto copy = std::make_unique<CRLData>(manager_->GetData());
+            manager->AttachData(copy);
+        }
+        text = QString::fromStdString(RenderListText(*manager));
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 bool CRLDoc::RenderText(QString& text) {
     ListProblem problem;
     try {

@@ -55,6 +55,9 @@ public:
 
     // The text form of the list as the views hold it (message 162 when it cannot be made).
     bool RenderText(QString& text);
+    // The same without a word to the user: false when the list cannot be rendered as it stands
+    // (an open text view keeps what it showed last).
+    bool RenderTextQuietly(QString& text);
 
     // Re-titles the grid's columns for the record of `row`.
     void RefreshHeadings(Table table, int row);

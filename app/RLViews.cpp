@@ -1,5 +1,8 @@
 #include "app/RLViews.h"
 
+#include <QScrollBar>
+#include <QUndoStack>
+
 #include <QCheckBox>
 #include <QFontDatabase>
 #include <QFormLayout>
@@ -183,14 +186,29 @@ CRLViewText::CRLViewText(CRLDoc& doc, QWidget* parent) : QPlainTextEdit(parent),
     const QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     setFont(mono);
     setTabStopDistance(QFontMetricsF(mono).horizontalAdvance(' ') * 8);
+    connect(&doc.UndoStack(), &QUndoStack::indexChanged, this, &CRLViewText::Follow);
+    connect(&doc, &CRLDoc::versionChanged, this, &CRLViewText::Follow);
 }
 
 bool CRLViewText::Refresh() {
     QString text;
     if (!doc_.RenderText(text)) return false;
-    text.replace("\r\n", "\n");
-    setPlainText(text);
+    Show(std::move(text));
     return true;
+}
+
+void CRLViewText::Follow() {
+    QString text;
+    if (doc_.RenderTextQuietly(text)) Show(std::move(text));
+}
+
+void CRLViewText::Show(QString text) {
+    text.replace("\r\n", "\n");
+    if (text == toPlainText()) return;
+    // Keep the reader's place in a long list.
+    const int scroll = verticalScrollBar()->value();
+    setPlainText(text);
+    verticalScrollBar()->setValue(scroll);
 }
 
 }  // namespace Tarn

@@ -90,6 +90,11 @@ public:
     bool Refresh();
 
 private:
+    // Follows every edit of the document while the view is open; a list that cannot be rendered
+    // as it stands (a row still being typed) leaves the last good text in place.
+    void Follow();
+    void Show(QString text);
+
     CRLDoc& doc_;
 };
 

@@ -164,5 +164,24 @@ TEST(RLDocUndo, BandCountEditsLayTheGwlRowOutAgain) {
     EXPECT_EQ(acq.GetCellText(8, row), "WCDMA");
 }
 
+// An open text view follows the grids; a row that cannot be rendered yet leaves the last text.
+TEST(RLDocUndo, TheTextViewFollowsEdits) {
+    AppFixture f;
+    CRLDoc* doc = Open(f, QStringLiteral(TARN_EXAMPLES_DIR "/example-is683a.prl"));
+    ASSERT_TRUE(doc);
+    CRLViewText view(*doc);
+    ASSERT_TRUE(view.Refresh());
+    EXPECT_TRUE(view.toPlainText().contains("\t4139\t65535\t"));
+    GridModel& sys = doc->Grid(CRLDoc::Table::Sys);
+    sys.setData(sys.index(0, 10), "4140", Qt::EditRole);
+    EXPECT_TRUE(view.toPlainText().contains("\t4140\t65535\t"));
+    sys.setData(sys.index(0, 10), "", Qt::EditRole);  // not a list yet: the text stays
+    EXPECT_TRUE(view.toPlainText().contains("\t4140\t65535\t"));
+    EXPECT_TRUE(f.prompts.messages.empty());
+    doc->UndoStack().undo();
+    doc->UndoStack().undo();
+    EXPECT_TRUE(view.toPlainText().contains("\t4139\t65535\t"));
+}
+
 }  // namespace
 }  // namespace Tarn
