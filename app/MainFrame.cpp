@@ -436,7 +436,8 @@ void CMainFrame::UpdateCommands() {
     if (QAction* a = Action(Cmd::FileNew)) a->setEnabled(!app_.IsCommandLineMode());
     windowMenu_->menuAction()->setVisible(any);
     listMenu_->menuAction()->setVisible(grids);
-    editMenu_->menuAction()->setVisible(grids);
+    // Every document with grids edits through the same menu; only a text view has nothing to edit.
+    editMenu_->menuAction()->setVisible(any && !(rl && rl->IsTextView()));
     if (QAction* a = Action(Cmd::EditUndo)) a->setEnabled(doc && doc->UndoStack().canUndo());
     if (QAction* a = Action(Cmd::EditRedo)) a->setEnabled(doc && doc->UndoStack().canRedo());
     if (doc && !doc->property("tarnWatched").toBool()) {

@@ -11,6 +11,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "app/MainFrame.h"
 #include "app/mmss/MmssDocuments.h"
 #include "app/mmss/MmssViews.h"
 #include "foundation/MessageTable.h"
@@ -336,6 +337,16 @@ TEST(MmssDoc, UndoAndRedoCoverCellsFieldsAndTabs) {
     QString redone;
     ASSERT_TRUE(doc->GetPrintText(redone));
     EXPECT_EQ(redone, edited);
+
+    // The main frame's Edit menu (Ctrl+Z) reaches an MMSS document as it does a roaming list.
+    CMainFrame* frame = f.app->MainFrame();
+    ASSERT_NE(frame, nullptr);
+    frame->UpdateCommands();
+    QAction* undoAction = frame->Action(Cmd::EditUndo);
+    ASSERT_NE(undoAction, nullptr);
+    ASSERT_TRUE(undoAction->isEnabled());
+    undoAction->trigger();
+    EXPECT_EQ(doc->TabCount(), 3);  // the last step, the removed tab, is back
     Close(f, doc);
 }
 
