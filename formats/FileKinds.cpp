@@ -54,18 +54,6 @@ FileKind KindForOpen(const std::string& path) {
     return KindByExtension(path);
 }
 
-int PlmnListKindFromPath(const std::string& path) {
-    struct Probe {
-        const char* text;
-        int kind;
-    };
-    static const Probe kProbes[] = {{".ehplmn", 1}, {".EHPLMN", 1}, {".uplmn", 3},
-                                    {".UPLMN", 3},  {".oplmn", 2},  {".OPLMN", 2}};
-    for (const auto& p : kProbes)
-        if (Contains(path, p.text)) return p.kind;
-    return 0;
-}
-
 const std::vector<FileKindInfo>& FileKinds() {
     static const std::vector<FileKindInfo> kinds = [] {
         std::vector<FileKindInfo> all;

@@ -30,9 +30,6 @@ enum class FileKind {
 FileKind KindByExtension(const std::string& path);
 // Rule B: the case-sensitive substring search over the whole path, then "laf", then rule A.
 FileKind KindForOpen(const std::string& path);
-// The PLMN list kind from a path: 1 EHPLMN, 2 OPLMN, 3 UPLMN, 0 unset (substring search, only
-// the all-lower and all-upper spellings).
-int PlmnListKindFromPath(const std::string& path);
 
 // What one problem found by a check says: the message shown to the user.
 struct CheckProblem {

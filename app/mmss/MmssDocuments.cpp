@@ -614,7 +614,7 @@ std::unique_ptr<CRLItem> Document::NewRecord() const {
 }
 
 bool Document::OnOpenDocument(const QString& path) {
-    const int kind = PlmnListKindFromPath(path.toStdString());
+    const int kind = Mmss::PlmnListKindFromPath(path.toStdString());
     if (kind >= Tarn::Plmn::kEhplmn && kind <= Tarn::Plmn::kUplmn)
         kind_ = static_cast<uint8_t>(kind);
     return MmssDocument::OnOpenDocument(path);

@@ -44,18 +44,5 @@ TEST(FileKinds, ExtensionRuleAndOpenRuleOnQuirkyPaths) {
     }
 }
 
-TEST(FileKinds, PlmnListKindBySubstring) {
-    struct {
-        const char* path;
-        int kind;
-    } cases[] = {
-        {"x.ehplmn", 1}, {"x.EHPLMN", 1},        {"list.EHPLMN.bak", 1}, {"x.oplmn", 2},
-        {"x.UPLMN", 3},  {"x.Ehplmn", 0},        {"x.prl", 0},
-        // the search order, not the position, decides when several are present
-        {"a.oplmn.ehplmn", 1}, {"a.oplmn.uplmn", 3},
-    };
-    for (auto c : cases) EXPECT_EQ(PlmnListKindFromPath(c.path), c.kind) << c.path;
-}
-
 }  // namespace
 }  // namespace Tarn
