@@ -46,4 +46,15 @@ std::unique_ptr<FileDocument> Guarded(Fn&& read, std::string& error) {
     return nullptr;
 }
 
+// Reads a kind whose file is its header then its body from one stream (MSPL, MLPL, 3GPP BST,
+// technology order table): each part seeks to where it starts itself.
+template <typename Kind>
+std::unique_ptr<Kind> ReadHeaderAndBody(const std::vector<uint8_t>& bytes) {
+    auto doc = std::make_unique<Kind>();
+    CRLFile file(bytes);
+    doc->header.Read(file);
+    doc->data.Read(file);
+    return doc;
+}
+
 }  // namespace Tarn::Mmss

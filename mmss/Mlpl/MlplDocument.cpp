@@ -15,11 +15,7 @@ constexpr DataError kError = DataError::InvalidSystem;
 }
 
 std::unique_ptr<Document> Document::FromBytes(const std::vector<uint8_t>& bytes) {
-    auto doc = std::make_unique<Document>();
-    CRLFile file(bytes);
-    doc->header.Read(file);
-    doc->data.Read(file);
-    return doc;
+    return Mmss::ReadHeaderAndBody<Document>(bytes);
 }
 
 std::unique_ptr<Document> Document::FromJsonValue(const nlohmann::json& json) {
