@@ -14,7 +14,8 @@ EXAMPLE    ?= examples/example-is683e.prl
 DEB_PACKAGES := build-essential cmake ninja-build pkg-config \
 	libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev \
 	qt6-base-dev qt6-base-dev-tools libgl1-mesa-dev fonts-dejavu-core \
-	clang libclang-rt-14-dev xvfb xauth
+	clang libclang-rt-14-dev xvfb xauth ccache \
+	libxml2-dev libxlsxwriter-dev iso-codes mobile-broadband-provider-info
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
