@@ -82,6 +82,29 @@ std::string AcqContentKey(const CAcqItem& record) {
     return std::to_string(record.GetAcqType()) + " " + fields.dump();
 }
 
+namespace {
+
+std::string Line(const CRLItem& item, size_t index, int type) {
+    std::string fields;
+    try {
+        fields = item.ToText();
+    } catch (const std::exception&) {
+        fields = "(cannot be shown as text)";
+    }
+    while (!fields.empty() && fields.back() == '\t') fields.pop_back();
+    return std::to_string(index) + "\t" + std::to_string(type) + "\t" + fields;
+}
+
+}  // namespace
+
+std::string SystemLine(const ListFacts& facts, size_t i) {
+    return Line(facts.System(i), i, facts.System(i).GetSysType());
+}
+
+std::string AcquisitionLine(const ListFacts& facts, size_t i) {
+    return Line(facts.Acquisition(i), i, facts.Acquisition(i).GetAcqType());
+}
+
 std::string AssociationKey(const CSysItem& record) {
     if (!record.GetAssnIncluded()) return "none";
     return std::to_string(record.GetAssnTag()) + "/" + std::to_string(record.GetPnAssn()) + "/" +

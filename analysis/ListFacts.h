@@ -67,6 +67,11 @@ private:
     std::vector<std::string> acqContent_;
 };
 
+// A record as its line of the text form shows it ("12\t0\t4106\t..."), without the leading tab,
+// the trailing tab and the line end; what the human outputs quote.
+std::string SystemLine(const ListFacts& facts, size_t systemIndex);
+std::string AcquisitionLine(const ListFacts& facts, size_t acqIndex);
+
 // The identity and content keys of single records, for callers holding records without a list.
 std::string SystemIdentityKey(const CSysItem& record);
 std::string AcqContentKey(const CAcqItem& record);

@@ -96,6 +96,8 @@ TEST(ListFactsTest, KeysIgnoreIndicesAndNameTheSystem) {
     EXPECT_EQ(facts.SystemContentKey(0), facts.SystemContentKey(1));  // same content, other index
     EXPECT_NE(facts.SystemContentKey(0), facts.SystemContentKey(2));  // other channels
     EXPECT_NE(facts.SystemContentKey(0), facts.SystemContentKey(4));  // negative
+    EXPECT_EQ(SystemLine(facts, 3).substr(0, 13), "3\t0\tPref\tSame");
+    EXPECT_EQ(AcquisitionLine(facts, 2), "2\t6\t26");
 }
 
 struct MatchCase {
