@@ -68,6 +68,8 @@ CRLDoc::CRLDoc(CDocTemplate& tmpl, bool textView)
       sysGrid_("System Table", kGridColumns, 16) {
     acqGrid_.SetUndoStack(&UndoStack());
     sysGrid_.SetUndoStack(&UndoStack());
+    connect(&UndoStack(), &QUndoStack::indexChanged, this, &CRLDoc::listEdited);
+    connect(this, &CRLDoc::versionChanged, this, &CRLDoc::listEdited);
     for (Table t : {Table::Acq, Table::Sys}) {
         Grid(t).SetTypeHandler([this, t](GridModel&, int row, const std::string& name) {
             ChangeRowType(t, row, name);
@@ -386,6 +388,19 @@ bool CRLDoc::RenderTextQuietly(QString& text) {
         return true;
     } catch (const std::exception&) {
         return false;
+    }
+}
+
+std::unique_ptr<CRLData> CRLDoc::SnapshotList(ListProblem* problem) const {
+    ListProblem local;
+    ListProblem& out = problem ? *problem : local;
+    try {
+        if (textView_ || !manager_) return manager_ ? std::make_unique<CRLData>(manager_->GetData()) : nullptr;
+        return TakeListFromViews(version_, manager_->GetData(), header_, acqGrid_, sysGrid_, out);
+    } catch (const std::exception& e) {
+        out = {};
+        out.text = e.what();
+        return nullptr;
     }
 }
 

@@ -59,6 +59,11 @@ public:
     // (an open text view keeps what it showed last).
     bool RenderTextQuietly(QString& text);
 
+    // The list as the views hold it now, taken without a word to the user, for the windows that
+    // analyse it while it is edited. Nothing when a row does not read yet or the list fails its
+    // checks; `problem` then says why.
+    std::unique_ptr<CRLData> SnapshotList(ListProblem* problem = nullptr) const;
+
     // Re-titles the grid's columns for the record of `row`.
     void RefreshHeadings(Table table, int row);
 
@@ -73,6 +78,8 @@ signals:
     void versionChanged();
     void focusHeaderField(HeaderField field);
     void focusCell(Table table, int column, int row);
+    // After every edit, undo, redo and version conversion: windows that follow the list refresh.
+    void listEdited();
 
 private:
     friend class HeaderCommand;

@@ -235,6 +235,15 @@ int GridModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : grid_.GetRowCount();
 }
 
+void GridModel::SetRowHighlights(const QString& source, const QHash<int, QColor>& rows) {
+    auto it = std::find_if(highlights_.begin(), highlights_.end(),
+                           [&](const auto& entry) { return entry.first == source; });
+    if (it != highlights_.end()) highlights_.erase(it);
+    if (!rows.isEmpty()) highlights_.emplace_back(source, rows);
+    if (rowCount() > 0 && columnCount() > 0)
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), {Qt::BackgroundRole});
+}
+
 int GridModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : visibleColumns_;
 }
@@ -254,6 +263,9 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
             return grid_.IsCellChecked(c, r) ? Qt::Checked : Qt::Unchecked;
         case Qt::BackgroundRole:
             if (grid_.GetCellText(c, r) == kBadValue) return QBrush(QColor(255, 210, 210));
+            for (auto it = highlights_.rbegin(); it != highlights_.rend(); ++it)
+                if (auto found = it->second.find(r); found != it->second.end())
+                    return QBrush(found.value());
             return {};
         case kCellKindRole:
             return static_cast<int>(grid_.GetCellKind(c, r));

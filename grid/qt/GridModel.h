@@ -3,6 +3,8 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QColor>
+#include <QHash>
 #include <QString>
 #include <functional>
 #include <string>
@@ -58,6 +60,12 @@ public:
     std::string GetTableName() const override { return grid_.GetTableName(); }
 
     void ClearHeadings();
+
+    // Row backgrounds that windows over the document ask for (a simulated selection, a compare,
+    // a problem list), each under its own name so that one never clears another's. A cell whose
+    // value is bad keeps its warning colour; otherwise the most recently set source wins.
+    void SetRowHighlights(const QString& source, const QHash<int, QColor>& rows);
+    void ClearRowHighlights(const QString& source) { SetRowHighlights(source, {}); }
 
     // Many writes at once (loading a whole table): the views are told once, at the end.
     void BeginBatch();
@@ -125,6 +133,7 @@ private:
     void GrowVisibleColumns();
 
     MemoryGrid grid_;
+    std::vector<std::pair<QString, QHash<int, QColor>>> highlights_;
     int minVisible_;
     int visibleColumns_;
     int usedColumns_ = 0;
