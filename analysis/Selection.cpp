@@ -361,9 +361,11 @@ ObservationCsvReader::Status ObservationCsvReader::Next(Observation& out, std::s
     for (;;) {
         Status s = ReadLine(line, error);
         if (s != Status::Row) {
-            if (s == Status::End && columns_.empty())
+            if (s == Status::End && columns_.empty()) {
+                line_ = std::max<size_t>(line_, 1);
                 return Fail("no header: the first line must name the columns " 
                             "sid,nid,mcc,mnc,subnet,band,channel", error);
+            }
             return s;
         }
         if (line_ == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0) line.erase(0, 3);
