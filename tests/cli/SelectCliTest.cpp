@@ -52,7 +52,7 @@ TEST(CliSelect, OneAnswerWhateverFormTheListIsIn) {
         EXPECT_EQ(r.status, 0) << args[0] << ": " << r.err;
         EXPECT_EQ(r.out, binary.out) << args[0];
     }
-    // Part 1 of the same file is the IS-683A list, where the NID 7 record is the one named.
+    // The first list of the same file is the IS-683A one, where the NID 7 record is the one named.
     CliResult part1 = RunCli({"select", (dir / "ae.prl").string(), "--sid", "4139", "--nid", "7", "--json"});
     EXPECT_TRUE(Has(part1.out, R"("match":{"index":1,)")) << part1.out;
 }
