@@ -11,6 +11,7 @@
 #include <QLocalSocket>
 #include <QProcess>
 #include <QtEndian>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 
