@@ -123,8 +123,12 @@ RecordRow MakeRecordRow(const CRLItem& item, int row, int type, const CNameList&
     item.ToJson(mine);
     if (rebuilt) rebuilt->ToJson(theirs);
     if (!rebuilt || mine != theirs) {
-        mine["type"] = type;
-        out.hidden = mine.dump();
+        // The names beside numbers only inform, and reading ignores them.
+        nlohmann::json kept = nlohmann::json::object();
+        for (const auto& [key, value] : mine.items())
+            if (key.size() < 4 || key.compare(key.size() - 4, 4, "Name") != 0) kept[key] = value;
+        kept["type"] = type;
+        out.hidden = kept.dump();
     }
     return out;
 }
@@ -553,8 +557,10 @@ bool WriteListCsv(const ListTables& tables, const std::string& directory, std::s
     return true;
 }
 
-ImportedList ReadListTables(const CsvSource& header, const CsvSource& acquisition,
-                            const CsvSource& system, bool check) {
+namespace {
+
+ImportedList ReadAllFaults(const CsvSource& header, const CsvSource& acquisition,
+                           const CsvSource& system, bool check) {
     ImportedList out;
     CPropData prop;
     if (!ReadHeader(header, out, prop)) return out;
@@ -601,6 +607,21 @@ ImportedList ReadListTables(const CsvSource& header, const CsvSource& acquisitio
     acqItems.SetAnnouncedCount(static_cast<uint32_t>(acqItems.GetSize()));
     sysItems.SetAnnouncedCount(static_cast<uint32_t>(sysItems.GetSize()));
     out.data = std::move(data);
+    return out;
+}
+
+}  // namespace
+
+ImportedList ReadListTables(const CsvSource& header, const CsvSource& acquisition,
+                            const CsvSource& system, bool check) {
+    ImportedList out = ReadAllFaults(header, acquisition, system, check);
+    // A sheet shifted one column along faults on every row; the first ones tell the story.
+    constexpr size_t kMaxErrors = 50;
+    if (out.errors.size() > kMaxErrors) {
+        const size_t more = out.errors.size() - kMaxErrors;
+        out.errors.resize(kMaxErrors);
+        out.errors.push_back("... and " + std::to_string(more) + " more");
+    }
     return out;
 }
 
