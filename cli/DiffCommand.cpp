@@ -8,7 +8,9 @@
 #include <nlohmann/json.hpp>
 
 #include "analysis/DiffReport.h"
+#include "analysis/Providers.h"
 #include "cli/Command.h"
+#include "cli/ProviderOption.h"
 
 namespace Tarn::Cli {
 namespace {
@@ -23,7 +25,8 @@ bool UseColor(const std::string& when) {
     return ::isatty(STDOUT_FILENO) == 1;
 }
 
-int Diff(const std::string& a, const std::string& b, int part, bool json, const std::string& color) {
+int Diff(const std::string& a, const std::string& b, int part, bool json, const std::string& color,
+         const ProviderOption& providers) {
     std::string error;
     auto cmp = Analysis::CompareFiles(a, b, part, error);
     if (!cmp) {
@@ -35,8 +38,20 @@ int Diff(const std::string& a, const std::string& b, int part, bool json, const 
     if (cmp->roamingLists) {
         const CRLData& la = *cmp->listA->data;
         const CRLData& lb = *cmp->listB->data;
-        if (json) std::cout << Analysis::ListDiffJson(cmp->list, &la, &lb).dump(2) << '\n';
-        else std::cout << Analysis::ListDiffText(cmp->list, la, lb, style);
+        // A reviewer reads "SID 4139" faster as the operator behind it.
+        const Analysis::ProviderDirectory& dir = providers.Directory("diff");
+        if (json) {
+            auto operators = [&dir](const CSysItem& item) {
+                auto ops = Analysis::OperatorsForRecord(dir, item);
+                return ops.empty() ? nlohmann::json() : Analysis::OperatorsJson(ops);
+            };
+            std::cout << Analysis::ListDiffJson(cmp->list, &la, &lb, operators).dump(2) << '\n';
+        } else {
+            style.label = [&dir](const CSysItem& item) {
+                return Analysis::OperatorLabel(Analysis::OperatorsForRecord(dir, item));
+            };
+            std::cout << Analysis::ListDiffText(cmp->list, la, lb, style);
+        }
     } else {
         if (json) std::cout << Analysis::MmssDiffJson(cmp->mmss).dump(2) << '\n';
         else std::cout << Analysis::MmssDiffText(cmp->mmss, style);
@@ -49,6 +64,7 @@ const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
         std::string a, b, color = "auto";
         int part = 1;
         bool json = false;
+        ProviderOption providers;
     };
     auto args = std::make_shared<Args>();
     CLI::App* sub = app.add_subcommand(
@@ -60,8 +76,9 @@ const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
     sub->add_option("--part", args->part, "Which list of concatenated roaming lists: 1 or 2");
     sub->add_option("--color", args->color, "Colour the text: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
+    args->providers.AddTo(sub);
     return std::function<int()>(
-        [args] { return Diff(args->a, args->b, args->part, args->json, args->color); });
+        [args] { return Diff(args->a, args->b, args->part, args->json, args->color, args->providers); });
 });
 
 }  // namespace

@@ -88,6 +88,7 @@ TEST(CliDiff, AnEditedListShowsItsChangesAndColourOnRequest) {
     CliResult r = RunCli({"diff", kListE, (dir / "edited.json").string(), "--json"});
     EXPECT_EQ(r.status, 1) << r.err;
     json j = json::parse(r.out);
+    for (auto& change : j["system"]["changed"]) change.erase("operators");  // installed names vary
     EXPECT_EQ(j["system"]["changed"], json::parse(R"([{"a": 1, "b": 1, "fields": ["negPref"]},
                                                        {"a": 2, "b": 2, "fields": ["priority"]}])"));
 
@@ -98,6 +99,17 @@ TEST(CliDiff, AnEditedListShowsItsChangesAndColourOnRequest) {
     CliResult colour = RunCli({"diff", kListE, (dir / "edited.json").string(), "--color", "always"});
     EXPECT_TRUE(Has(colour.out, "\033[33m~ 1\t")) << colour.out;
     EXPECT_EQ(RunCli({"diff", kListA, kListA, "--color", "sometimes"}).status, 2);
+
+    // The operator behind a SID stands beside its line, and in the JSON beside its change.
+    std::ofstream(dir / "p.xml") << R"(<?xml version="1.0"?><serviceproviders format="2.0">
+        <country code="us"><provider><name>Test Carrier</name><cdma><sid value="4139"/></cdma>
+        </provider></country></serviceproviders>)";
+    const std::string providers = (dir / "p.xml").string();
+    CliResult named = RunCli({"diff", kListE, (dir / "edited.json").string(), "--providers", providers});
+    EXPECT_TRUE(Has(named.out, "\t4139\t12\t1\t# Test Carrier (United States)\n")) << named.out;
+    json namedJson = json::parse(
+        RunCli({"diff", kListE, (dir / "edited.json").string(), "--providers", providers, "--json"}).out);
+    EXPECT_EQ(namedJson["system"]["changed"][0]["operators"][0]["name"], "Test Carrier");
 }
 
 TEST(CliDiff, MmssFilesCompareRecordByRecord) {
