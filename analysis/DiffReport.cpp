@@ -181,77 +181,100 @@ std::string ListDiffSummary(const ListDiff& d) {
            Plural(d.header.size(), "header change", "header changes");
 }
 
+std::vector<DiffSection> ListDiffSections(const ListDiff& d) {
+    using Kind = DiffEntry::Kind;
+    const size_t geosB = d.geoB.empty() ? 0 : static_cast<size_t>(d.geoB.back()) + 1;
+    std::vector<DiffSection> geos(geosB);
+    std::map<int, DiffSection> orphans;  // first-list GEO -> its removed records
+    for (size_t j : d.sysAdded) geos[static_cast<size_t>(d.geoB[j])].entries.push_back({Kind::Added, true, 0, j, nullptr});
+    for (size_t i : d.sysRemoved) {
+        const int g = d.geoMap[static_cast<size_t>(d.geoA[i])];
+        DiffSection& s = g < 0 ? orphans[d.geoA[i]] : geos[static_cast<size_t>(g)];
+        s.entries.push_back({Kind::Removed, true, i, 0, nullptr});
+    }
+    // Added and removed entries arrive in index order above; moving the removed ones behind the
+    // added ones of each GEO keeps both in order.
+    for (auto& s : geos)
+        std::stable_partition(s.entries.begin(), s.entries.end(),
+                              [](const DiffEntry& e) { return e.kind == Kind::Added; });
+    std::vector<std::vector<DiffEntry>> changed(geosB);
+    for (const auto& c : d.sysChanged) changed[static_cast<size_t>(d.geoB[c.b])].push_back({Kind::Changed, true, c.a, c.b, &c});
+    for (size_t g = 0; g < geosB; ++g) {
+        std::sort(changed[g].begin(), changed[g].end(), [](const DiffEntry& x, const DiffEntry& y) { return x.b < y.b; });
+        geos[g].entries.insert(geos[g].entries.end(), changed[g].begin(), changed[g].end());
+    }
+
+    std::vector<std::vector<int>> fromA(geosB);
+    for (size_t g = 0; g < d.geoMap.size(); ++g)
+        if (d.geoMap[g] >= 0) fromA[static_cast<size_t>(d.geoMap[g])].push_back(static_cast<int>(g));
+    std::vector<DiffSection> out;
+    for (size_t g = 0; g < geosB; ++g) {
+        if (geos[g].entries.empty()) continue;
+        // The heading says where a GEO came from when its number is not the whole story.
+        std::string title = "GEO " + std::to_string(g);
+        const auto& origins = fromA[g];
+        if (origins.empty()) {
+            title += " (new)";
+        } else if (origins.size() > 1 || origins[0] != static_cast<int>(g)) {
+            title += origins.size() > 1 ? " (first list: GEOs " : " (first list: GEO ";
+            for (size_t k = 0; k < origins.size(); ++k) title += (k ? ", " : "") + std::to_string(origins[k]);
+            title += ")";
+        }
+        geos[g].title = std::move(title);
+        out.push_back(std::move(geos[g]));
+    }
+    for (auto& [g, s] : orphans) {
+        s.title = "GEO " + std::to_string(g) + " of the first list (gone)";
+        out.push_back(std::move(s));
+    }
+    DiffSection acq{"acquisition records", {}};
+    for (size_t j : d.acqAdded) acq.entries.push_back({Kind::Added, false, 0, j, nullptr});
+    for (size_t i : d.acqRemoved) acq.entries.push_back({Kind::Removed, false, i, 0, nullptr});
+    for (const auto& c : d.acqChanged) acq.entries.push_back({Kind::Changed, false, c.a, c.b, nullptr});
+    if (!acq.entries.empty()) out.push_back(std::move(acq));
+    return out;
+}
+
+std::vector<std::string> DiffEntryLines(const ListDiff& d, const DiffEntry& e, const ListFacts& fa,
+                                        const ListFacts& fb, const SystemLabel& label) {
+    using Kind = DiffEntry::Kind;
+    const char* sign = e.kind == Kind::Added ? "+ " : e.kind == Kind::Removed ? "- " : "~ ";
+    std::vector<std::string> lines;
+    if (!e.system) {
+        // A changed acquisition record shows both contents: its index alone says nothing.
+        const bool first = e.kind != Kind::Added;
+        lines.push_back(sign + AcquisitionLine(first ? fa : fb, first ? e.a : e.b));
+        if (e.kind == Kind::Changed) lines.push_back("  -> " + AcquisitionLine(fb, e.b));
+        return lines;
+    }
+    const ListFacts& f = e.kind == Kind::Removed ? fa : fb;
+    const size_t index = e.kind == Kind::Removed ? e.a : e.b;
+    std::string line = sign + SystemLine(f, index);
+    if (label) {
+        const std::string words = label(f.System(index));
+        if (!words.empty()) line += "\t# " + words;
+    }
+    if (e.kind == Kind::Changed && e.a != e.b) line += "\t(was " + std::to_string(e.a) + ")";
+    lines.push_back(std::move(line));
+    if (e.change)
+        for (const auto& field : e.change->fields) lines.push_back("    " + FieldChange(field, d, fa, fb, e.a, e.b));
+    return lines;
+}
+
 std::string ListDiffText(const ListDiff& d, const CRLData& a, const CRLData& b, const TextStyle& style) {
     const Painter paint(style.color);
     ListFacts fa(a), fb(b);
     std::string out = HeaderText(d.header, paint);
-
-    auto line = [&](const ListFacts& f, size_t i, const char* sign) {
-        std::string text = std::string(sign) + " " + SystemLine(f, i);
-        if (style.label) {
-            const std::string label = style.label(f.System(i));
-            if (!label.empty()) text += "\t# " + label;
-        }
-        return text;
-    };
-
-    // Everything is filed under a GEO of the second list; a removed record goes where its GEO
-    // went, and a GEO none of whose records survived is shown on its own at the end.
-    struct Section {
-        std::vector<size_t> added, removed, changed;  // changed: index into d.sysChanged
-    };
-    const size_t geosB = static_cast<size_t>(fb.GeoCount());
-    std::vector<Section> sections(geosB);
-    std::map<int, std::vector<size_t>> orphans;  // first-list GEO -> removed records
-    for (size_t j : d.sysAdded) sections[static_cast<size_t>(d.geoB[j])].added.push_back(j);
-    for (size_t i : d.sysRemoved) {
-        const int g = d.geoMap[static_cast<size_t>(d.geoA[i])];
-        if (g < 0) orphans[d.geoA[i]].push_back(i);
-        else sections[static_cast<size_t>(g)].removed.push_back(i);
-    }
-    for (size_t k = 0; k < d.sysChanged.size(); ++k)
-        sections[static_cast<size_t>(d.geoB[d.sysChanged[k].b])].changed.push_back(k);
-    std::vector<std::vector<int>> fromA(geosB);
-    for (size_t g = 0; g < d.geoMap.size(); ++g)
-        if (d.geoMap[g] >= 0) fromA[static_cast<size_t>(d.geoMap[g])].push_back(static_cast<int>(g));
-
-    for (size_t g = 0; g < geosB; ++g) {
-        const Section& s = sections[g];
-        if (s.added.empty() && s.removed.empty() && s.changed.empty()) continue;
-        std::string heading = "GEO " + std::to_string(g);
-        const auto& origins = fromA[g];
-        if (origins.empty()) {
-            heading += " (new)";
-        } else if (origins.size() > 1 || origins[0] != static_cast<int>(g)) {
-            heading += origins.size() > 1 ? " (first list: GEOs " : " (first list: GEO ";
-            for (size_t k = 0; k < origins.size(); ++k)
-                heading += (k ? ", " : "") + std::to_string(origins[k]);
-            heading += ")";
-        }
-        out += paint(kBold, heading) + "\n";
-        for (size_t j : s.added) out += "  " + paint(kGreen, line(fb, j, "+")) + "\n";
-        for (size_t i : s.removed) out += "  " + paint(kRed, line(fa, i, "-")) + "\n";
-        for (size_t k : s.changed) {
-            const SystemChange& c = d.sysChanged[k];
-            out += "  " + paint(kYellow, line(fb, c.b, "~"));
-            if (c.a != c.b) out += paint(kYellow, "\t(was " + std::to_string(c.a) + ")");
-            out += "\n";
-            for (const auto& field : c.fields)
-                out += "      " + FieldChange(field, d, fa, fb, c.a, c.b) + "\n";
-        }
-    }
-    for (const auto& [g, removed] : orphans) {
-        out += paint(kBold, "GEO " + std::to_string(g) + " of the first list (gone)") + "\n";
-        for (size_t i : removed) out += "  " + paint(kRed, line(fa, i, "-")) + "\n";
-    }
-
-    if (!d.acqAdded.empty() || !d.acqRemoved.empty() || !d.acqChanged.empty()) {
-        out += paint(kBold, "acquisition records") + "\n";
-        for (size_t j : d.acqAdded) out += "  " + paint(kGreen, "+ " + AcquisitionLine(fb, j)) + "\n";
-        for (size_t i : d.acqRemoved) out += "  " + paint(kRed, "- " + AcquisitionLine(fa, i)) + "\n";
-        for (const auto& c : d.acqChanged) {
-            out += "  " + paint(kYellow, "~ " + AcquisitionLine(fa, c.a)) + "\n";
-            out += "    " + paint(kYellow, "-> " + AcquisitionLine(fb, c.b)) + "\n";
+    for (const auto& section : ListDiffSections(d)) {
+        out += paint(kBold, section.title) + "\n";
+        for (const auto& e : section.entries) {
+            const char* colour = e.kind == DiffEntry::Kind::Added     ? kGreen
+                                 : e.kind == DiffEntry::Kind::Removed ? kRed
+                                                                      : kYellow;
+            const auto lines = DiffEntryLines(d, e, fa, fb, style.label);
+            out += "  " + paint(colour, lines[0]) + "\n";
+            for (size_t k = 1; k < lines.size(); ++k)
+                out += "  " + (e.system ? lines[k] : paint(colour, lines[k])) + "\n";
         }
     }
     out += ListDiffSummary(d) + "\n";

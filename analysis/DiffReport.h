@@ -18,6 +18,8 @@ class CSysItem;
 
 namespace Tarn::Analysis {
 
+class ListFacts;
+
 // Two files read and compared: two roaming lists (in any of their forms and versions) or two
 // MMSS files of the same kind.
 struct FileComparison {
@@ -35,10 +37,36 @@ struct FileComparison {
 std::unique_ptr<FileComparison> CompareFiles(const std::string& pathA, const std::string& pathB,
                                              int part, std::string& error);
 
-// Optional words about a system record, such as the operators it names; empty for none.
-using SystemLabel = std::function<std::string(const CSysItem&)>;
 // Optional JSON about a system record: the "operators" array naming who runs it; null for none.
 using SystemJson = std::function<nlohmann::json(const CSysItem&)>;
+// Optional words about a system record, such as the operators it names; empty for none.
+using SystemLabel = std::function<std::string(const CSysItem&)>;
+
+// One line of a diff as a reviewer reads it: a record added (an index of the second list), removed
+// (of the first) or changed (both).
+struct DiffEntry {
+    enum class Kind { Added, Removed, Changed };
+    Kind kind = Kind::Changed;
+    bool system = true;  // false: an acquisition record
+    size_t a = 0, b = 0;
+    const SystemChange* change = nullptr;  // a changed system
+};
+
+// A heading and its entries: per GEO of the second list its added, removed and changed systems
+// (a removed record goes where its GEO went), then the GEOs of the first list none of whose
+// records stayed, then the acquisition records. Sections without entries are left out.
+struct DiffSection {
+    std::string title;  // "GEO 3", "GEO 4 (first list: GEO 2)", "acquisition records", ...
+    std::vector<DiffEntry> entries;
+};
+std::vector<DiffSection> ListDiffSections(const ListDiff& diff);
+
+// The lines of one entry: "+ <text-form line>" (with the label after a tab and "# " when there is
+// one), then for a changed system one "field: old -> new" line per field, for a changed
+// acquisition record "-> <new line>". The facts are those of the two lists compared.
+std::vector<std::string> DiffEntryLines(const ListDiff& diff, const DiffEntry& entry,
+                                        const ListFacts& a, const ListFacts& b,
+                                        const SystemLabel& label = {});
 
 struct TextStyle {
     bool color = false;  // ANSI colours: green added, red removed, yellow changed
