@@ -34,11 +34,13 @@ public:
         for (size_t i = 0; i < in.facts.SystemCount(); ++i)
             if (in.facts.Facts(i).acqInRange) used[in.facts.System(i).GetAcqIndex()] = true;
         for (size_t a = 0; a < used.size(); ++a)
-            if (!used[a])
+            if (!used[a]) {
+                const Coverage& scans = in.facts.AcqCoverage(a);
                 out.push_back(Make(LintTable::Acquisition, a,
-                                   "no system record uses this type " +
-                                       std::to_string(in.facts.Acquisition(a).GetAcqType()) +
-                                       " record (scans " + in.facts.AcqCoverage(a).ToText() + ")"));
+                                   "no system record points at this type " +
+                                       std::to_string(in.facts.Acquisition(a).GetAcqType()) + " record" +
+                                       (scans.Empty() ? "" : " (it scans " + scans.ToText() + ")")));
+            }
     }
 };
 
