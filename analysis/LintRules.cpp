@@ -1,6 +1,8 @@
 #include "analysis/LintRules.h"
 
 #include <algorithm>
+#include <iterator>
+#include <map>
 #include <unordered_map>
 
 #include "analysis/ListFacts.h"
@@ -165,23 +167,43 @@ public:
     }
 };
 
-// Channel ranges merged per band, sorted: the union of what several records scan.
-using RangeSet = std::vector<ChannelRange>;
-
-void AddRanges(RangeSet& set, const std::vector<ChannelRange>& more) {
-    set.insert(set.end(), more.begin(), more.end());
-    std::sort(set.begin(), set.end(), [](const ChannelRange& a, const ChannelRange& b) {
-        return a.band != b.band ? a.band < b.band : a.first < b.first;
-    });
-    RangeSet merged;
-    for (const auto& r : set) {
-        if (!merged.empty() && merged.back().band == r.band && r.first <= merged.back().last + 1)
-            merged.back().last = std::max(merged.back().last, r.last);
-        else
-            merged.push_back(r);
+// Channel ranges merged per band, sorted: what several records scan together, with insertion and
+// overlap queries in logarithmic time so one SID spread over many GEOs stays cheap.
+class RangeUnion {
+public:
+    void Add(const ChannelRange& r) {
+        unsigned first = r.first, last = r.last;
+        auto it = ranges_.upper_bound({r.band, first});
+        if (it != ranges_.begin()) {
+            auto prev = std::prev(it);
+            if (prev->first.first == r.band && prev->second + 1 >= first) it = prev;
+        }
+        while (it != ranges_.end() && it->first.first == r.band && it->first.second <= last + 1) {
+            first = std::min(first, it->first.second);
+            last = std::max(last, it->second);
+            it = ranges_.erase(it);
+        }
+        ranges_.emplace(std::make_pair(r.band, first), last);
     }
-    set = std::move(merged);
-}
+    void Add(const std::vector<ChannelRange>& ranges) {
+        for (const auto& r : ranges) Add(r);
+    }
+    bool Overlaps(const std::vector<ChannelRange>& ranges) const {
+        for (const auto& r : ranges) {
+            // Ranges are disjoint: only the last one starting at or before r.last can reach r.first.
+            auto it = ranges_.upper_bound({r.band, r.last});
+            if (it == ranges_.begin()) continue;
+            --it;
+            if (it->first.first == r.band && it->second >= r.first) return true;
+        }
+        return false;
+    }
+
+private:
+    std::map<std::pair<unsigned, unsigned>, unsigned> ranges_;  // (band, first) -> last
+};
+
+using RangeSet = std::vector<ChannelRange>;
 
 // What two sorted range lists have in common, as "band 1: 25, 40-49".
 RangeSet Common(const RangeSet& a, const RangeSet& b) {
@@ -227,8 +249,8 @@ public:
         // can fire at all, and only a firing record looks for the one it collides with.
         struct Bucket {
             std::vector<size_t> records;
-            RangeSet earlierGeos;  // union over records of GEOs before `openGeo`
-            RangeSet open;         // union over records of `openGeo`
+            RangeUnion earlierGeos;  // records of GEOs before `openGeo`
+            std::vector<size_t> open;  // records of `openGeo`
             int openGeo = -1;
         };
         std::unordered_map<std::string, Bucket> buckets;
@@ -237,12 +259,12 @@ public:
             Bucket& b = buckets[in.facts.IdentityKey(i)];
             const int geo = in.facts.Facts(i).geo;
             if (geo != b.openGeo) {
-                AddRanges(b.earlierGeos, b.open);
+                for (size_t j : b.open) b.earlierGeos.Add(in.facts.SystemCoverage(j).Ranges());
                 b.open.clear();
                 b.openGeo = geo;
             }
             const RangeSet& mine = in.facts.SystemCoverage(i).Ranges();
-            if (!Common(mine, b.earlierGeos).empty()) {
+            if (b.earlierGeos.Overlaps(mine)) {
                 for (size_t j : b.records) {
                     if (in.facts.Facts(j).geo == geo) break;
                     RangeSet common = Common(mine, in.facts.SystemCoverage(j).Ranges());
@@ -257,7 +279,7 @@ public:
                     break;
                 }
             }
-            AddRanges(b.open, mine);
+            b.open.push_back(i);
             b.records.push_back(i);
         }
     }
