@@ -116,23 +116,9 @@ void FinishFindings(std::vector<Finding>& findings, const Policy* policy) {
     });
 }
 
-std::vector<Finding> LintRoamingList(const CRLData& data, size_t listBytes, const Policy* policy) {
-    ListFacts facts(data);
-    LintInput input{data, facts, listBytes, policy};
-    std::vector<Finding> findings;
-    for (const LintRule* rule : RoamingListRules()) {
-        // A silenced rule need not run at all.
-        if (policy) {
-            auto it = policy->grades.find(rule->Id());
-            if (it != policy->grades.end() && !it->second) continue;
-        }
-        rule->Check(input, findings);
-    }
-    FinishFindings(findings, policy);
-    return findings;
-}
+namespace {
 
-std::string DescribeSystem(const ListFacts& facts, size_t i) {
+std::string DescribeIdentity(const ListFacts& facts, size_t i) {
     const CSysItem& sys = facts.System(i);
     switch (sys.GetSysType()) {
         case 0: {
@@ -149,6 +135,37 @@ std::string DescribeSystem(const ListFacts& facts, size_t i) {
         case 1: return "subnet " + static_cast<const CSysItemIS856&>(sys).GetSubnet().ToText();
         default: return "type " + std::to_string(sys.GetSysType()) + " record (" + facts.IdentityKey(i) + ")";
     }
+}
+
+}  // namespace
+
+std::vector<Finding> LintRoamingList(const CRLData& data, size_t listBytes, const Policy* policy,
+                                     const ProviderDirectory* providers) {
+    ListFacts facts(data);
+    LintInput input{data, facts, listBytes, policy, providers};
+    std::vector<Finding> findings;
+    for (const LintRule* rule : RoamingListRules()) {
+        // A silenced rule need not run at all.
+        if (policy) {
+            auto it = policy->grades.find(rule->Id());
+            if (it != policy->grades.end() && !it->second) continue;
+        }
+        rule->Check(input, findings);
+    }
+    if (providers)
+        for (auto& f : findings)
+            if (f.namedSystem) f.operators = OperatorsForRecord(*providers, facts.System(*f.namedSystem));
+    FinishFindings(findings, policy);
+    return findings;
+}
+
+std::string DescribeSystem(const ListFacts& facts, size_t i, const ProviderDirectory* providers) {
+    std::string text = DescribeIdentity(facts, i);
+    if (providers) {
+        const std::string label = OperatorLabel(OperatorsForRecord(*providers, facts.System(i)));
+        if (!label.empty()) text += " (" + label + ")";
+    }
+    return text;
 }
 
 }  // namespace Tarn::Analysis

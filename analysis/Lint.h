@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "analysis/Providers.h"
+
 namespace Tarn {
 class CRLData;
 }
@@ -39,8 +41,10 @@ struct Finding {
     LintTable table = LintTable::Header;
     std::optional<size_t> index;  // nothing for the header
     std::string message;
-    // The system record the finding names by SID or MCC/MNC, for callers that add operator names.
+    // The system record the finding is about, when it names a system by SID, MCC/MNC or PLMN.
     std::optional<size_t> namedSystem;
+    // The operators behind that system, when a provider directory was given.
+    std::vector<Operator> operators;
 
     // "system #12", "acquisition #3", "header".
     std::string Where() const;
@@ -54,13 +58,14 @@ struct LintCounts {
 };
 LintCounts CountFindings(const std::vector<Finding>& findings);
 
-// What a roaming list rule is given: the list, its facts, its size as written (0 when unknown)
-// and the operator policy (nothing when none was given).
+// What a roaming list rule is given: the list, its facts, its size as written (0 when unknown),
+// the operator policy and the provider directory naming operators (each nothing when not given).
 struct LintInput {
     const CRLData& data;
     const ListFacts& facts;
     size_t listBytes = 0;
     const Policy* policy = nullptr;
+    const ProviderDirectory* providers = nullptr;
 };
 
 // One rule over a roaming list. A rule reports everything it finds at its default severity; the
@@ -85,15 +90,19 @@ bool IsKnownRuleId(const std::string& id);
 std::vector<std::string> KnownRuleIds();
 
 // Runs every roaming list rule, applies the policy's re-grading and sorts the findings by table
-// and index (rule order kept within one record).
+// and index (rule order kept within one record). With `providers`, the messages name the operator
+// beside each system and the findings carry the operators.
 std::vector<Finding> LintRoamingList(const CRLData& data, size_t listBytes,
-                                     const Policy* policy = nullptr);
+                                     const Policy* policy = nullptr,
+                                     const ProviderDirectory* providers = nullptr);
 
 // Drops and re-grades findings as the policy's "rules" say, then sorts them by table and index.
 void FinishFindings(std::vector<Finding>& findings, const Policy* policy);
 
 // A system record described by what identifies it: "SID 4106 NID 65535", "MCC 310 IMSI_11_12 12",
-// "subnet 2001:db8::/32", ...
-std::string DescribeSystem(const ListFacts& facts, size_t systemIndex);
+// "subnet 2001:db8::/32", ...; with `providers`, followed by the operators it names:
+// "SID 4106 NID 65535 (Verizon Wireless (United States))".
+std::string DescribeSystem(const ListFacts& facts, size_t systemIndex,
+                           const ProviderDirectory* providers = nullptr);
 
 }  // namespace Tarn::Analysis

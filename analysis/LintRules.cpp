@@ -127,7 +127,7 @@ public:
                 std::to_string(in.facts.Facts(i).geo) + "|" + in.facts.SystemContentKey(i), i);
             if (!inserted) {
                 Finding f = Make(LintTable::System, i,
-                                 DescribeSystem(in.facts, i) + " repeats system #" +
+                                 DescribeSystem(in.facts, i, in.providers) + " repeats system #" +
                                      std::to_string(it->second) + " of GEO " +
                                      std::to_string(in.facts.Facts(i).geo) + " field for field");
                 f.namedSystem = i;
@@ -154,7 +154,7 @@ public:
             const std::optional<size_t>& other = pref ? s.negative : s.preferred;
             if (other) {
                 Finding f = Make(LintTable::System, i,
-                                 DescribeSystem(in.facts, i) + " is " +
+                                 DescribeSystem(in.facts, i, in.providers) + " is " +
                                      (pref ? "preferred" : "negative") + " here but " +
                                      (pref ? "negative" : "preferred") + " in system #" +
                                      std::to_string(*other) + " of the same GEO " +
@@ -270,7 +270,7 @@ public:
                     RangeSet common = Common(mine, in.facts.SystemCoverage(j).Ranges());
                     if (common.empty()) continue;
                     Finding f = Make(LintTable::System, i,
-                                     DescribeSystem(in.facts, i) + " in GEO " + std::to_string(geo) +
+                                     DescribeSystem(in.facts, i, in.providers) + " in GEO " + std::to_string(geo) +
                                          " also stands in system #" + std::to_string(j) + " of GEO " +
                                          std::to_string(in.facts.Facts(j).geo) +
                                          ", and both scan " + RangesText(common));
@@ -339,7 +339,7 @@ public:
             const unsigned ri = in.facts.System(i).GetRoamInd();
             if (in.facts.Facts(i).preferred && Reserved(ri)) {
                 Finding f = Make(LintTable::System, i,
-                                 DescribeSystem(in.facts, i) + " has roaming indicator " +
+                                 DescribeSystem(in.facts, i, in.providers) + " has roaming indicator " +
                                      std::to_string(ri) + ", reserved for standard values (13-63)");
                 f.namedSystem = i;
                 out.push_back(std::move(f));
@@ -403,10 +403,19 @@ public:
             for (size_t i = 0; i < in.facts.SystemCount() && !named; ++i)
                 named = in.facts.Facts(i).preferred &&
                         MatchSpecificity(in.facts.System(i), required.observation).has_value();
-            if (!named)
-                out.push_back(Make(LintTable::Header, std::nullopt,
-                                   "no preferred record names " + required.text +
-                                       ", which the policy requires"));
+            if (named) continue;
+            const Observation& o = required.observation;
+            std::vector<Operator> ops;
+            if (in.providers && o.kind == Observation::Kind::Sid) ops = in.providers->ForSid(o.sid);
+            if (in.providers && o.kind == Observation::Kind::MccMnc)
+                ops = in.providers->ForMccMnc(o.mcc, o.mnc);
+            const std::string label = OperatorLabel(ops);
+            Finding f = Make(LintTable::Header, std::nullopt,
+                             "no preferred record names " + required.text +
+                                 (label.empty() ? "" : " (" + label + ")") +
+                                 ", which the policy requires");
+            f.operators = std::move(ops);
+            out.push_back(std::move(f));
         }
     }
 };
@@ -422,7 +431,7 @@ public:
             for (const auto& forbidden : in.policy->forbiddenSystems) {
                 if (!MatchSpecificity(in.facts.System(i), forbidden.observation)) continue;
                 Finding f = Make(LintTable::System, i,
-                                 DescribeSystem(in.facts, i) + " is preferred and names " +
+                                 DescribeSystem(in.facts, i, in.providers) + " is preferred and names " +
                                      forbidden.text + ", which the policy forbids");
                 f.namedSystem = i;
                 out.push_back(std::move(f));
@@ -445,7 +454,7 @@ public:
                 std::find(allowed.begin(), allowed.end(), ri) != allowed.end())
                 continue;
             Finding f = Make(LintTable::System, i,
-                             DescribeSystem(in.facts, i) + " has roaming indicator " +
+                             DescribeSystem(in.facts, i, in.providers) + " has roaming indicator " +
                                  std::to_string(ri) + ", not one the policy allows (" +
                                  JoinNumbers(allowed) + ")");
             f.namedSystem = i;

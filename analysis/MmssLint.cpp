@@ -90,7 +90,7 @@ std::vector<Finding> LintMlpl(const Mlpl::Data& mlpl, const Mspl::Data* mspl) {
     return out;
 }
 
-std::vector<Finding> LintPlmn(const Plmn::Data& plmn) {
+std::vector<Finding> LintPlmn(const Plmn::Data& plmn, const ProviderDirectory* providers) {
     std::vector<Finding> out;
     const bool access = Plmn::HasAccessBytes(plmn.listKind);
     // A PLMN listed twice: the later entry can never be reached. In the lists with access
@@ -117,10 +117,16 @@ std::vector<Finding> LintPlmn(const Plmn::Data& plmn) {
             }
         if (none && first[3]) earlier = first[3];
         if (earlier) {
+            std::vector<Operator> ops;
+            if (providers) ops = providers->ForMccMnc(r->MccText(), r->MncText());
+            const std::string label = OperatorLabel(ops);
             std::string message = "MCC " + r->MccText() + " MNC " + r->MncText() +
-                                  " is already listed" + (techs.empty() ? "" : " for " + techs) +
-                                  " in record #" + std::to_string(*earlier);
-            out.push_back(Make(kPlmnDuplicate, Severity::Warning, LintTable::Record, i, message));
+                                  (label.empty() ? "" : " (" + label + ")") + " is already listed" +
+                                  (techs.empty() ? "" : " for " + techs) + " in record #" +
+                                  std::to_string(*earlier);
+            Finding f = Make(kPlmnDuplicate, Severity::Warning, LintTable::Record, i, message);
+            f.operators = std::move(ops);
+            out.push_back(std::move(f));
         }
         for (size_t t = 0; t < 3; ++t)
             if (flags[t] && !first[t]) first[t] = i;
@@ -129,10 +135,11 @@ std::vector<Finding> LintPlmn(const Plmn::Data& plmn) {
     return out;
 }
 
-std::vector<Finding> LintMmssDocument(const FileDocument& doc, const Mspl::Data* mspl) {
+std::vector<Finding> LintMmssDocument(const FileDocument& doc, const Mspl::Data* mspl,
+                                      const ProviderDirectory* providers) {
     if (const auto* d = dynamic_cast<const Mspl::Document*>(&doc)) return LintMspl(d->data);
     if (const auto* d = dynamic_cast<const Mlpl::Document*>(&doc)) return LintMlpl(d->data, mspl);
-    if (const auto* d = dynamic_cast<const Plmn::Document*>(&doc)) return LintPlmn(d->data);
+    if (const auto* d = dynamic_cast<const Plmn::Document*>(&doc)) return LintPlmn(d->data, providers);
     return {};
 }
 

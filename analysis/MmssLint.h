@@ -29,11 +29,12 @@ const std::vector<std::string>& MmssRuleIds();
 std::vector<Finding> LintMspl(const Mspl::Data& mspl);
 // mlpl-unknown-mspl when `mspl` is given.
 std::vector<Finding> LintMlpl(const Mlpl::Data& mlpl, const Mspl::Data* mspl);
-// plmn-duplicate.
-std::vector<Finding> LintPlmn(const Plmn::Data& plmn);
+// plmn-duplicate; with `providers` the messages and findings name the PLMN's operators.
+std::vector<Finding> LintPlmn(const Plmn::Data& plmn, const ProviderDirectory* providers = nullptr);
 
 // The rules of whatever MMSS kind `doc` holds (nothing for kinds without rules); `mspl` serves an
 // MLPL. Findings are not yet re-graded or sorted (see FinishFindings).
-std::vector<Finding> LintMmssDocument(const FileDocument& doc, const Mspl::Data* mspl);
+std::vector<Finding> LintMmssDocument(const FileDocument& doc, const Mspl::Data* mspl,
+                                      const ProviderDirectory* providers = nullptr);
 
 }  // namespace Tarn::Analysis

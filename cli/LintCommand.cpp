@@ -9,6 +9,7 @@
 #include "analysis/MmssLint.h"
 #include "analysis/Policy.h"
 #include "cli/Command.h"
+#include "cli/ProviderOption.h"
 #include "formats/FileKinds.h"
 #include "mmss/Mspl/MsplDocument.h"
 #include "roaming_list/RLFile.h"
@@ -27,6 +28,7 @@ struct LintOptions {
     std::string failOn = "error";
     int part = 1;
     bool json = false;
+    ProviderOption providers;
 };
 
 // The size the list has in a handset: the bytes of the binary list without the 5-byte prefix;
@@ -52,20 +54,21 @@ bool IsMmss(FileKind kind) {
 
 // The findings of one file; false with `error` when it cannot be read.
 bool LintFile(const std::string& path, const LintOptions& options, const Analysis::Policy* policy,
-              const Mspl::Data* mspl, std::vector<Finding>& findings, std::string& error) {
+              const Mspl::Data* mspl, const Analysis::ProviderDirectory& providers,
+              std::vector<Finding>& findings, std::string& error) {
     if (IsMmss(KindForOpen(path))) {
         auto doc = ReadFileDocument(path, error);
         if (!doc) {
             error = path + ": " + error;
             return false;
         }
-        findings = Analysis::LintMmssDocument(*doc, mspl);
+        findings = Analysis::LintMmssDocument(*doc, mspl, &providers);
         Analysis::FinishFindings(findings, policy);
         return true;
     }
     auto list = Analysis::LoadRoamingList(path, error, options.part);
     if (!list) return false;
-    findings = Analysis::LintRoamingList(*list->data, ListBytes(*list), policy);
+    findings = Analysis::LintRoamingList(*list->data, ListBytes(*list), policy, &providers);
     return true;
 }
 
@@ -84,12 +87,15 @@ void PrintText(const std::string& path, const std::vector<Finding>& findings) {
 
 nlohmann::json ToJson(const std::string& path, const std::vector<Finding>& findings) {
     nlohmann::json items = nlohmann::json::array();
-    for (const auto& f : findings)
-        items.push_back({{"rule", f.rule},
-                         {"severity", Analysis::SeverityName(f.severity)},
-                         {"table", Analysis::TableName(f.table)},
-                         {"index", f.index ? nlohmann::json(*f.index) : nlohmann::json(nullptr)},
-                         {"message", f.message}});
+    for (const auto& f : findings) {
+        nlohmann::json item = {{"rule", f.rule},
+                               {"severity", Analysis::SeverityName(f.severity)},
+                               {"table", Analysis::TableName(f.table)},
+                               {"index", f.index ? nlohmann::json(*f.index) : nlohmann::json(nullptr)},
+                               {"message", f.message}};
+        if (!f.operators.empty()) item["operators"] = Analysis::OperatorsJson(f.operators);
+        items.push_back(std::move(item));
+    }
     const auto c = Analysis::CountFindings(findings);
     return {{"file", path},
             {"findings", std::move(items)},
@@ -115,13 +121,14 @@ int RunLint(const LintOptions& options) {
         }
         mspl = &d->data;
     }
+    const auto& providers = options.providers.Directory("lint");
     const Severity failOn = Analysis::ParseSeverity(options.failOn).value_or(Severity::Error);
     const bool several = options.files.size() > 1;
     bool unreadable = false, failed = false;
     for (const auto& path : options.files) {
         std::vector<Finding> findings;
-        if (!LintFile(path, options, options.policyPath.empty() ? nullptr : &policy, mspl, findings,
-                      error)) {
+        if (!LintFile(path, options, options.policyPath.empty() ? nullptr : &policy, mspl, providers,
+                      findings, error)) {
             PrintError("lint", error);
             unreadable = true;
             continue;
@@ -148,6 +155,7 @@ const CommandRegistrar kRegistrar(90, "lint", [](CLI::App& app) {
     sub->add_option("--part", options->part, "List of a concatenated file (1 or 2)")
         ->check(CLI::Range(1, 2));
     sub->add_flag("--json", options->json, "One JSON object per file");
+    options->providers.AddTo(sub);
     return std::function<int()>([options] { return RunLint(*options); });
 });
 

@@ -120,6 +120,21 @@ TEST(CliLint, PolicyOption) {
     EXPECT_NE(missing.err.find("No such file"), std::string::npos);
 }
 
+TEST(CliLint, NamesOperatorsBesideSystems) {
+    Lists l;
+    const std::string xml = (l.dir / "providers.xml").string();
+    WriteText(xml, R"(<?xml version="1.0"?><serviceproviders format="2.0"><country code="us">
+        <provider><name>Seven Mobile</name><cdma><sid value="7"/></cdma></provider>
+        </country></serviceproviders>)");
+    CliResult text = RunCli({"lint", l.error, "--providers", xml});
+    EXPECT_NE(text.out.find("system #1: SID 7 NID 65535 (Seven Mobile (United States)) is negative"),
+              std::string::npos)
+        << text.out << text.err;
+    json j = json::parse(RunCli({"lint", l.error, "--providers", xml, "--json"}).out);
+    EXPECT_EQ(j["findings"][0]["operators"],
+              json::parse(R"([{"name": "Seven Mobile", "country": "US", "countryName": "United States"}])"));
+}
+
 TEST(CliLint, JsonOneObjectOrOneLinePerFile) {
     Lists l;
     const std::string policy = (l.dir / "policy.json").string();
