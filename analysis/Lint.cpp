@@ -8,6 +8,8 @@
 #include "analysis/MmssLint.h"
 #include "analysis/Observation.h"
 #include "analysis/Policy.h"
+#include "roaming_list/RLFile.h"
+#include "roaming_list/RLManager.h"
 #include "roaming_list/SysItem.h"
 #include "roaming_list/SysItemIS2000.h"
 #include "roaming_list/SysItemIS856.h"
@@ -157,6 +159,19 @@ std::vector<Finding> LintRoamingList(const CRLData& data, size_t listBytes, cons
             if (f.namedSystem) f.operators = OperatorsForRecord(*providers, facts.System(*f.namedSystem));
     FinishFindings(findings, policy);
     return findings;
+}
+
+size_t WrittenListSize(const CRLData& data, int version) {
+    auto manager = CreateClassFactory(version)->CreateManager();
+    auto copy = std::make_unique<CRLData>(data);
+    manager->AttachData(copy);
+    CRLFile file;
+    try {
+        if (manager->WriteList(file)) return file.Bytes().size();
+    } catch (const std::exception&) {
+        // A list the writer refuses has no size to judge.
+    }
+    return 0;
 }
 
 std::string DescribeSystem(const ListFacts& facts, size_t i, const ProviderDirectory* providers) {

@@ -96,6 +96,10 @@ std::vector<Finding> LintRoamingList(const CRLData& data, size_t listBytes,
                                      const Policy* policy = nullptr,
                                      const ProviderDirectory* providers = nullptr);
 
+// The bytes a list takes when written in `version` (what a size limit is held against), or 0 when
+// it cannot be written as it stands.
+size_t WrittenListSize(const CRLData& data, int version);
+
 // Drops and re-grades findings as the policy's "rules" say, then sorts them by table and index.
 void FinishFindings(std::vector<Finding>& findings, const Policy* policy);
 

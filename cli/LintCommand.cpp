@@ -12,8 +12,6 @@
 #include "cli/ProviderOption.h"
 #include "formats/FileKinds.h"
 #include "mmss/Mspl/MsplDocument.h"
-#include "roaming_list/RLFile.h"
-#include "roaming_list/RLManager.h"
 
 namespace Tarn::Cli {
 namespace {
@@ -32,19 +30,11 @@ struct LintOptions {
 };
 
 // The size the list has in a handset: the bytes of the binary list without the 5-byte prefix;
-// for the text and JSON forms, what writing it in its version would give (0 when it cannot be
+// for the text and JSON forms, what writing it in its version gives (0 when it cannot be
 // written, and the size rule then stays silent).
 size_t ListBytes(const Analysis::LoadedList& list) {
     if (list.byteSize) return list.byteSize - (list.prefixed ? 5 : 0);
-    auto manager = CreateClassFactory(list.version)->CreateManager();
-    auto copy = std::make_unique<CRLData>(*list.data);
-    manager->AttachData(copy);
-    CRLFile file;
-    try {
-        if (manager->WriteList(file)) return file.Bytes().size();
-    } catch (const std::exception&) {
-    }
-    return 0;
+    return Analysis::WrittenListSize(*list.data, list.version);
 }
 
 bool IsMmss(FileKind kind) {
