@@ -23,6 +23,7 @@
 #include <QStyle>
 
 #include "app/ExchangeActions.h"
+#include "app/ProblemsPanel.h"
 #include "app/RLDoc.h"
 #include "app/RLViews.h"
 #include "app/SelectionWindow.h"
@@ -150,9 +151,16 @@ CMainFrame::CMainFrame(CTessaryApp& app) : app_(app), mdi_(new QMdiArea(this)) {
     setCentralWidget(mdi_);
     setAcceptDrops(true);
     resize(1100, 760);
+    // The Problems panel follows whichever document is active; it stays hidden until asked for.
+    auto* problems = new ProblemsPanel(this);
+    addDockWidget(Qt::BottomDockWidgetArea, problems);
+    problems->hide();
     BuildMenus();
     statusBar()->showMessage(tr("Ready"));
     connect(mdi_, &QMdiArea::subWindowActivated, this, &CMainFrame::UpdateCommands);
+    connect(mdi_, &QMdiArea::subWindowActivated, problems, [this, problems] {
+        if (!destroying_) problems->SetDocument(ActiveDocument());
+    });
     connect(&app_, &CTessaryApp::recentFilesChanged, this, &CMainFrame::RebuildRecentFiles);
     connect(qApp, &QApplication::focusChanged, this, [this] { UpdateCommands(); });
     RebuildRecentFiles();
@@ -274,6 +282,25 @@ void CMainFrame::BuildMenus() {
         [this] {
             if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) AddTextViewWindow(*d);
         });
+    fileMenu_->addAction(tr("Chec&k..."), this, [this] {
+        auto* d = qobject_cast<CRLDoc*>(ActiveDocument());
+        auto* problems = findChild<ProblemsPanel*>();
+        if (!d || !problems) return;
+        FileDialogSpec spec;
+        spec.title = tr("Check with a Policy");
+        spec.filter = tr("Policy Files (*.json)|*.json|All Files (*.*)|*.*||");
+        const QString path = Prompts().GetOpenFileName(this, spec);
+        if (path.isEmpty()) return;
+        QString error;
+        if (!problems->UsePolicy(path, error)) {
+            Prompts().Message(this, error, MsgIcon::Error);
+            return;
+        }
+        problems->SetDocument(d);
+        problems->show();
+        problems->raise();
+        problems->Refresh();
+    });
     connectTo(
         Add(fileMenu_, MakeAction(Cmd::FilePrint, tr("&Print..."), {K(Qt::CTRL | Qt::Key_P)})),
         [this] { OnPrint(false); });
@@ -351,6 +378,7 @@ void CMainFrame::BuildMenus() {
     statusBarAction->setCheckable(true);
     statusBarAction->setChecked(true);
     connect(statusBarAction, &QAction::toggled, statusBar(), &QStatusBar::setVisible);
+    if (auto* problems = findChild<ProblemsPanel*>()) view->addAction(problems->toggleViewAction());
 
     // Window
     windowMenu_ = menuBar()->addMenu(tr("&Window"));
