@@ -139,19 +139,18 @@ bool SingleInstance::HandOff(const QStringList& files, int timeoutMs) const {
 }
 
 bool SingleInstance::Listen() {
+    if (OwnedByOtherUser(path_)) return false;
+    // Checked here rather than left to listen(): to give the socket its access rights Qt makes
+    // it elsewhere and renames it over the path, which would take a live editor's socket away.
+    if (QFileInfo::exists(path_)) {
+        QLocalSocket probe;
+        probe.connectToServer(path_);
+        if (probe.waitForConnected(1000)) return false;  // an editor that started since our hand-off
+        QLocalServer::removeServer(path_);  // left by an editor that ended without removing it
+    }
     server_ = std::make_unique<QLocalServer>();
     server_->setSocketOptions(QLocalServer::UserAccessOption);
     connect(server_.get(), &QLocalServer::newConnection, this, &SingleInstance::Accept);
-    if (server_->listen(path_)) return true;
-    if (server_->serverError() != QAbstractSocket::AddressInUseError || OwnedByOtherUser(path_))
-        return false;
-    {
-        // An editor that started since our hand-off failed owns it now; leave it be.
-        QLocalSocket probe;
-        probe.connectToServer(path_);
-        if (probe.waitForConnected(1000)) return false;
-    }
-    QLocalServer::removeServer(path_);
     return server_->listen(path_);
 }
 

@@ -149,14 +149,16 @@ install_tree() {
     globs=$(mime_pairs "$xml" | cut -f2 | sort | tr '\n' ' ')
     [[ $globs == "*.Bst3Gpp *.ehplmn *.laf *.mlpl *.mspl *.oplmn *.prl *.tot *.uplmn " ]] ||
         fail "the MIME package globs are: $globs"
-    grep -q '\*\.txt' "$xml" && fail "the MIME package claims plain text (*.txt)"
     if command -v update-mime-database >/dev/null; then
         # The desktop's own database compiler must accept the package and learn every glob.
         mkdir -p "$dest/mime/packages"
         cp "$xml" "$dest/mime/packages/"
-        update-mime-database "$dest/mime" || fail "update-mime-database refuses the MIME package"
+        local log
+        log=$(update-mime-database "$dest/mime" 2>&1) ||
+            fail "update-mime-database refuses the MIME package: $log"
         while IFS=$'\t' read -r type glob; do
-            grep -qF ":$type:$glob" "$dest/mime/globs2" ||
+            # Globs match in any case, and the compiler stores them lower-cased.
+            grep -qiF ":$type:$glob" "$dest/mime/globs2" ||
                 fail "the compiled database does not map $glob to $type"
         done < <(mime_pairs "$xml")
     fi
@@ -185,7 +187,12 @@ deb() {
         grep -q 'libqt6widgets6' <<<"$depends" || fail "the package does not depend on Qt Widgets"
         grep -q 'libqt6network6' <<<"$depends" || fail "the package does not depend on Qt Network"
     fi
-    dpkg-deb -c "$pkg" | grep -q ' ./usr/bin/tarn-cli$' || fail "the package holds no /usr/bin/tarn-cli"
+    dpkg-deb -c "$pkg" >"$out/contents"
+    local want=(./usr/bin/tarn-cli ./usr/share/man/man1/tarn-cli.1.gz)
+    [[ $gui == ON ]] && want+=(./usr/bin/tarn ./usr/share/applications/com.example.halvane.Tarn.desktop)
+    for f in "${want[@]}"; do
+        grep -q " $f\$" "$out/contents" || fail "the package holds no ${f#.}"
+    done
 }
 
 case ${1:-} in
