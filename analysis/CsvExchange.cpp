@@ -1,6 +1,7 @@
 #include "analysis/CsvExchange.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -202,7 +203,9 @@ std::optional<std::vector<CsvRow>> ReadRows(const CsvSource& source,
 
 bool ParseNumber(const std::string& text, unsigned max, unsigned& value) {
     const std::string t = Trim(text);
-    if (t.empty() || t.size() > 10 || !std::all_of(t.begin(), t.end(), ::isdigit)) return false;
+    if (t.empty() || t.size() > 10 ||
+        !std::all_of(t.begin(), t.end(), [](unsigned char c) { return c >= '0' && c <= '9'; }))
+        return false;
     const unsigned long long v = std::stoull(t);
     if (v > max) return false;
     value = static_cast<unsigned>(v);

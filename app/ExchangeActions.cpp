@@ -1,6 +1,7 @@
 #include "app/ExchangeActions.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QSettings>
 #include <set>
 
@@ -10,8 +11,11 @@
 #include "app/TessaryApp.h"
 #include "app/UiPrompts.h"
 #include "foundation/AtomicFile.h"
+#include "grid/qt/GridModel.h"
+#include "roaming_list/NameTables.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
+#include "roaming_list/SysItem.h"
 
 namespace Tarn {
 namespace {
@@ -47,6 +51,50 @@ const Analysis::ProviderDirectory& EditorProviders(QWidget* parent) {
         Prompts().Message(parent, lines.join('\n'), MsgIcon::Warning);
     }
     return directory;
+}
+
+void ShowOperatorColumns(CRLDoc& doc, GridModel& grid, QWidget* parent) {
+    // Any fault in the database is told now, once, rather than from inside a repaint.
+    EditorProviders(parent);
+    struct Named {
+        std::string key;
+        const Analysis::ProviderDirectory* directory = nullptr;
+        std::vector<Analysis::Operator> operators;
+    };
+    // The view asks for the same rows on every repaint; a row is read again only when its
+    // cells, the list's version or the database changed.
+    auto cache = std::make_shared<QHash<int, Named>>();
+    auto lookup = [&doc, &grid, cache](int row) -> const std::vector<Analysis::Operator>& {
+        const auto& directory = Analysis::ProviderDirectory::Shared(
+            QSettings().value(kProviderDatabaseKey).toString().toStdString());
+        std::string key = std::to_string(doc.Version());
+        for (int c = 0; c < grid.UsedColumns(); ++c) key += '\t' + grid.GetCellText(c, row);
+        Named& named = (*cache)[row];
+        if (named.key == key && named.directory == &directory) return named.operators;
+        named = {key, &directory, {}};
+        int type = 0;
+        if (!CRLNameTables::Instance().SysTypes(doc.Version()).FindValue(grid.GetCellText(0, row), type))
+            return named.operators;
+        std::unique_ptr<CSysItem> item = CreateSysItem(type, doc.Version());
+        if (!item) return named.operators;
+        try {
+            item->ReadFromGrid(grid, row, GridContext{doc.Version(), nullptr});
+            named.operators = Analysis::OperatorsForRecord(directory, *item);
+        } catch (const std::exception&) {
+            // Not a whole record yet: nothing to name.
+        }
+        return named.operators;
+    };
+    grid.SetAnnotations(
+        {QObject::tr("Operator"), QObject::tr("Country")},
+        [lookup](int row, int column) {
+            const auto& operators = lookup(row);
+            return QString::fromStdString(column == 0 ? Analysis::OperatorNames(operators)
+                                                      : Analysis::CountryLabel(operators));
+        },
+        [lookup](int row) { return QString::fromStdString(Analysis::OperatorLabel(lookup(row))); });
+    QObject::connect(&grid, &GridModel::rowsEdited, &grid,
+                     [&grid](int first, int last) { grid.RefreshAnnotations(first, last); });
 }
 
 void ChooseProviderDatabase(QWidget* parent) {

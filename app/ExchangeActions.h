@@ -12,6 +12,7 @@ namespace Tarn {
 
 class CRLDoc;
 class CTessaryApp;
+class GridModel;
 
 // Command ids of the spreadsheet and provider commands, clear of the message table's ones.
 namespace Cmd {
@@ -28,6 +29,11 @@ inline constexpr const char* kProviderDatabaseKey = "Providers/Database";
 // The directory in force, loaded once per path. A fault in it is shown once, as a warning, the
 // first time it is used; names are then simply missing.
 const Analysis::ProviderDirectory& EditorProviders(QWidget* parent);
+
+// Gives the document's system grid its read-only "Operator" and "Country" columns and a row
+// tooltip naming the operators, read from each row as it stands (a row still being typed shows
+// what it names once it reads).
+void ShowOperatorColumns(CRLDoc& doc, GridModel& systemGrid, QWidget* parent);
 
 // "Provider Database...": choose another serviceproviders.xml, or cancel to keep the current.
 void ChooseProviderDatabase(QWidget* parent);

@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 #include <QValidator>
 
+#include "app/ExchangeActions.h"
 #include "grid/qt/GridView.h"
 #include "roaming_list/RLManager.h"
 
@@ -157,7 +158,9 @@ CAcqView::CAcqView(CRLDoc& doc, QWidget* parent)
     : CRecordTableView(doc, CRLDoc::Table::Acq, tr("Acquisition Table"), parent) {}
 
 CSysView::CSysView(CRLDoc& doc, QWidget* parent)
-    : CRecordTableView(doc, CRLDoc::Table::Sys, tr("System Table"), parent) {}
+    : CRecordTableView(doc, CRLDoc::Table::Sys, tr("System Table"), parent) {
+    ShowOperatorColumns(doc, doc.Grid(CRLDoc::Table::Sys), this);
+}
 
 // ---- Frame view ---------------------------------------------------------------------------------
 

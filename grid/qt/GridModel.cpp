@@ -245,13 +245,39 @@ void GridModel::SetRowHighlights(const QString& source, const QHash<int, QColor>
 }
 
 int GridModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : visibleColumns_;
+    return parent.isValid() ? 0 : visibleColumns_ + static_cast<int>(annotationTitles_.size());
+}
+
+void GridModel::SetAnnotations(QStringList titles, AnnotationText text, AnnotationTip tip) {
+    beginResetModel();
+    annotationTitles_ = std::move(titles);
+    annotationText_ = std::move(text);
+    annotationTip_ = std::move(tip);
+    endResetModel();
+}
+
+void GridModel::RefreshAnnotations(int firstRow, int lastRow) {
+    if (annotationTitles_.isEmpty() || rowCount() == 0) return;
+    firstRow = std::max(firstRow, 0);
+    lastRow = std::min(lastRow, rowCount() - 1);
+    if (firstRow > lastRow) return;
+    emit dataChanged(index(firstRow, visibleColumns_),
+                     index(lastRow, visibleColumns_ + static_cast<int>(annotationTitles_.size()) - 1),
+                     {Qt::DisplayRole, Qt::ToolTipRole});
 }
 
 QVariant GridModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     const int c = index.column();
     const int r = index.row();
+    if (role == Qt::ToolTipRole && annotationTip_) {
+        const QString tip = annotationTip_(r);
+        return tip.isEmpty() ? QVariant() : QVariant(tip);
+    }
+    if (IsAnnotationColumn(c)) {
+        if (role != Qt::DisplayRole || !annotationText_) return {};
+        return annotationText_(r, c - visibleColumns_);
+    }
     switch (role) {
         case Qt::DisplayRole:
             if (grid_.GetCellKind(c, r) == CellKind::CheckBox) return {};
@@ -283,7 +309,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
 }
 
 bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-    if (!index.isValid()) return false;
+    if (!index.isValid() || IsAnnotationColumn(index.column())) return false;
     std::string text;
     if (role == Qt::CheckStateRole) {
         text.assign(1, value.toInt() == Qt::Checked ? '1' : '0');
@@ -299,6 +325,7 @@ bool GridModel::setData(const QModelIndex& index, const QVariant& value, int rol
 Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
     Qt::ItemFlags f = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    if (IsAnnotationColumn(index.column())) return f;
     if (grid_.GetCellKind(index.column(), index.row()) == CellKind::CheckBox)
         f |= Qt::ItemIsUserCheckable;
     else
@@ -309,6 +336,7 @@ Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
     if (orientation == Qt::Vertical) return QString::number(section);
+    if (IsAnnotationColumn(section)) return annotationTitles_[section - visibleColumns_];
     const std::string heading = grid_.GetColumnHeading(section);
     if (role == Qt::ToolTipRole)
         return heading.empty()
@@ -404,8 +432,25 @@ void GridModel::ApplyCellEdit(const CellEdit& e) {
 }
 
 void GridModel::EditCells(const std::vector<CellEdit>& edits, const QString& label) {
+    // An edit aimed at an annotation cell has nowhere to land and is dropped, unless it continues
+    // a run of cells that starts in the record's own (a pasted row wider than the grid shows so
+    // far, which widens the row as it always did).
+    std::vector<CellEdit> kept = edits;
+    if (!annotationTitles_.isEmpty()) {
+        std::set<std::pair<int, int>> landed;
+        std::sort(kept.begin(), kept.end(), [](const CellEdit& a, const CellEdit& b) {
+            return std::pair(a.row, a.column) < std::pair(b.row, b.column);
+        });
+        std::vector<CellEdit> runs;
+        for (const auto& e : kept)
+            if (!IsAnnotationColumn(e.column) || landed.count({e.row, e.column - 1})) {
+                landed.insert({e.row, e.column});
+                runs.push_back(e);
+            }
+        kept = std::move(runs);
+    }
     std::vector<CellEdit> wanted;
-    for (const auto& e : edits) {
+    for (const auto& e : kept) {
         if (e.row < 0 || e.row >= grid_.GetRowCount() || e.column < 0 ||
             e.column >= grid_.GetColumnCount())
             continue;

@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QHash>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <string>
 #include <vector>
@@ -66,6 +67,18 @@ public:
     // value is bad keeps its warning colour; otherwise the most recently set source wins.
     void SetRowHighlights(const QString& source, const QHash<int, QColor>& rows);
     void ClearRowHighlights(const QString& source) { SetRowHighlights(source, {}); }
+
+    // Read-only columns shown after the record's own (the operator behind a system record):
+    // the view asks `text` for their cells and `tip` for a row's tooltip. They are no part of the
+    // Grid, so no record reads or writes them and no user edit reaches them.
+    using AnnotationText = std::function<QString(int row, int annotation)>;
+    using AnnotationTip = std::function<QString(int row)>;
+    void SetAnnotations(QStringList titles, AnnotationText text, AnnotationTip tip);
+    // Repaints the annotation cells of these rows (their records changed).
+    void RefreshAnnotations(int firstRow, int lastRow);
+    bool IsAnnotationColumn(int column) const {
+        return column >= visibleColumns_ && column < visibleColumns_ + annotationTitles_.size();
+    }
 
     // Many writes at once (loading a whole table): the views are told once, at the end.
     void BeginBatch();
@@ -142,6 +155,9 @@ private:
     TypeHandler typeHandler_;
     RowInitializer rowInit_;
     CellHandler cellHandler_;
+    QStringList annotationTitles_;
+    AnnotationText annotationText_;
+    AnnotationTip annotationTip_;
 };
 
 }  // namespace Tarn
