@@ -327,6 +327,11 @@ std::string MmssRecordText(const json& record) {
         const bool isName = key.size() > 4 && key.compare(key.size() - 4, 4, "Name") == 0;
         if (isName && record.contains(key.substr(0, key.size() - 4))) continue;
         if (!out.empty()) out += " ";
+        // Inner records are compared in tables of their own; here their count is enough.
+        if (value.is_array() && !value.empty() && value.front().is_object()) {
+            out += key + "=(" + std::to_string(value.size()) + ")";
+            continue;
+        }
         out += key + "=" + Value(value);
         auto name = record.find(key + "Name");
         if (name != record.end()) out += " (" + Value(*name) + ")";
