@@ -46,11 +46,12 @@ TEST(CliDiff, ExitStatusSaysSameDifferentOrTrouble) {
         {{kListA, kData + "/mmss/sample.mspl"}, 2, "only files of one kind compare"},
         {{kData + "/mmss/sample.ehplmn", kData + "/mmss/sample.oplmn"}, 2, "only files of one kind compare"},
         {{kData + "/mmss/sample.tot", kData + "/mmss/sample.tot", "--part", "2"}, 2, "--part"},
-        {{kListA, kListA, "--part", "2"}, 2, "--part 2"},
+        {{kListA, kListA, "--part", "2"}, 2, "neither"},
         {{kListA, kListA, "--part", "3"}, 2, "--part must be 1 or 2"},
         {{kData + "/mmss/sample.tot", kData + "/mmss/sample.tot"}, 0, ""},
         {{joinedE, joinedA}, 0, ""},
         {{joinedE, joinedA, "--part", "2"}, 1, ""},
+        {{joinedE, kListE, "--part", "2"}, 0, ""},  // a plain list beside a concatenated one
     };
     for (const auto& c : cases) {
         std::vector<std::string> args = {"diff"};
