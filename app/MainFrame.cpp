@@ -22,6 +22,8 @@
 #include <QStatusBar>
 #include <QStyle>
 
+#include "app/ExchangeActions.h"
+#include "app/ProblemsPanel.h"
 #include "app/RLDoc.h"
 #include "app/RLViews.h"
 #include "app/CompareWindow.h"
@@ -150,9 +152,16 @@ CMainFrame::CMainFrame(CTessaryApp& app) : app_(app), mdi_(new QMdiArea(this)) {
     setCentralWidget(mdi_);
     setAcceptDrops(true);
     resize(1100, 760);
+    // The Problems panel follows whichever document is active; it stays hidden until asked for.
+    auto* problems = new ProblemsPanel(this);
+    addDockWidget(Qt::BottomDockWidgetArea, problems);
+    problems->hide();
     BuildMenus();
     statusBar()->showMessage(tr("Ready"));
     connect(mdi_, &QMdiArea::subWindowActivated, this, &CMainFrame::UpdateCommands);
+    connect(mdi_, &QMdiArea::subWindowActivated, problems, [this, problems] {
+        if (!destroying_) problems->SetDocument(ActiveDocument());
+    });
     connect(&app_, &CTessaryApp::recentFilesChanged, this, &CMainFrame::RebuildRecentFiles);
     connect(qApp, &QApplication::focusChanged, this, [this] { UpdateCommands(); });
     RebuildRecentFiles();
@@ -257,12 +266,42 @@ void CMainFrame::BuildMenus() {
               [this] { app_.OnJoinWizard(); });
     connectTo(Add(concat, MakeAction(Cmd::SplitConcatPrl, tr("&Split..."))),
               [this] { app_.OnSplitWizard(); });
+    QMenu* exportMenu = fileMenu_->addMenu(tr("Ex&port"));
+    connectTo(Add(exportMenu, MakeAction(Cmd::ExportCsv, tr("&CSV..."))), [this] {
+        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) ExportListCsv(*d);
+    });
+    connectTo(Add(exportMenu, MakeAction(Cmd::ExportXlsx, tr("&XLSX..."))), [this] {
+        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) ExportListXlsx(*d);
+    });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::ImportCsv, tr("&Import CSV..."))),
+              [this] { ImportListCsv(app_, this); });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::ProviderDatabase, tr("Provider &Database..."))),
+              [this] { ChooseProviderDatabase(this); });
     fileMenu_->addSeparator();
     connectTo(
         Add(fileMenu_, MakeAction(Cmd::TextView, tr("&Text View"), {K(Qt::CTRL | Qt::Key_T)})),
         [this] {
             if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) AddTextViewWindow(*d);
         });
+    fileMenu_->addAction(tr("Chec&k..."), this, [this] {
+        auto* d = qobject_cast<CRLDoc*>(ActiveDocument());
+        auto* problems = findChild<ProblemsPanel*>();
+        if (!d || !problems) return;
+        FileDialogSpec spec;
+        spec.title = tr("Check with a Policy");
+        spec.filter = tr("Policy Files (*.json)|*.json|All Files (*.*)|*.*||");
+        const QString path = Prompts().GetOpenFileName(this, spec);
+        if (path.isEmpty()) return;
+        QString error;
+        if (!problems->UsePolicy(path, error)) {
+            Prompts().Message(this, error, MsgIcon::Error);
+            return;
+        }
+        problems->SetDocument(d);
+        problems->show();
+        problems->raise();
+        problems->Refresh();
+    });
     connectTo(
         Add(fileMenu_, MakeAction(Cmd::FilePrint, tr("&Print..."), {K(Qt::CTRL | Qt::Key_P)})),
         [this] { OnPrint(false); });
@@ -343,6 +382,7 @@ void CMainFrame::BuildMenus() {
     statusBarAction->setCheckable(true);
     statusBarAction->setChecked(true);
     connect(statusBarAction, &QAction::toggled, statusBar(), &QStatusBar::setVisible);
+    if (auto* problems = findChild<ProblemsPanel*>()) view->addAction(problems->toggleViewAction());
 
     // Window
     windowMenu_ = menuBar()->addMenu(tr("&Window"));
@@ -452,6 +492,8 @@ void CMainFrame::UpdateCommands() {
         a->setEnabled(rl != nullptr);
     }
     if (QAction* a = Action(Cmd::VersionHistory)) a->setVisible(!any);
+    for (int id : {Cmd::ExportCsv, Cmd::ExportXlsx})
+        if (QAction* a = Action(id)) a->setEnabled(grids);
     if (QAction* a = Action(Cmd::FileNew)) a->setEnabled(!app_.IsCommandLineMode());
     windowMenu_->menuAction()->setVisible(any);
     listMenu_->menuAction()->setVisible(grids);
