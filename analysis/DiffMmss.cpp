@@ -12,13 +12,35 @@ bool Informational(const std::string& key) {
            (key.size() > 4 && key.compare(key.size() - 4, 4, "Name") == 0);
 }
 
+bool IsTable(const json& v) { return v.is_array() && !v.empty() && v.front().is_object(); }
+
 // MMSS records have no identity beyond their position: the handset reads them in order, so a
 // record moved is a record changed, and what one file has beyond the other's end is added or
-// removed.
-void CompareInOrder(TableDiff& t) {
+// removed. A record that holds records of its own (the records of a BST entry, the tags of an
+// MLPL record) has them compared the same way in a table of their own, added to `nested`, so a
+// change deep inside reads as that change rather than as the whole inner list.
+void CompareInOrder(TableDiff& t, std::vector<TableDiff>* nested = nullptr) {
     const size_t na = t.recordsA.size(), nb = t.recordsB.size();
     for (size_t i = 0; i < std::min(na, nb); ++i) {
-        auto fields = ChangedFields(t.recordsA[i], t.recordsB[i]);
+        const json& ra = t.recordsA[i];
+        const json& rb = t.recordsB[i];
+        std::vector<std::string> fields;
+        for (auto& field : ChangedFields(ra, rb)) {
+            const bool inner = nested && ra.is_object() && rb.is_object() && ra.contains(field) &&
+                               rb.contains(field) && (IsTable(ra.at(field)) || IsTable(rb.at(field)));
+            if (!inner) {
+                fields.push_back(std::move(field));
+                continue;
+            }
+            TableDiff sub;
+            sub.name = t.name + " " + std::to_string(i) + " " + field;
+            sub.recordsA = ra.at(field).is_array() ? ra.at(field) : json::array();
+            sub.recordsB = rb.at(field).is_array() ? rb.at(field) : json::array();
+            std::vector<TableDiff> deeper;  // listed after the table that holds them
+            CompareInOrder(sub, &deeper);
+            nested->push_back(std::move(sub));
+            for (auto& d : deeper) nested->push_back(std::move(d));
+        }
         if (!fields.empty()) t.changed.push_back({i, i, std::move(fields)});
     }
     for (size_t i = nb; i < na; ++i) t.removed.push_back(i);
@@ -111,8 +133,10 @@ MmssDiff DiffMmss(const json& a, const json& b) {
                 t.name = key;
                 t.recordsA = ra;
                 t.recordsB = rb;
-                CompareInOrder(t);
+                std::vector<TableDiff> nested;
+                CompareInOrder(t, &nested);
                 d.tables.push_back(std::move(t));
+                for (auto& n : nested) d.tables.push_back(std::move(n));
             }
         } else if (va != vb) {
             d.header.push_back({key, va, vb});

@@ -132,10 +132,23 @@ std::unique_ptr<FileComparison> CompareFiles(const std::string& pathA, const std
     const FileKind kindA = KindForOpen(pathA), kindB = KindForOpen(pathB);
     auto result = std::make_unique<FileComparison>();
     if (!IsMmss(kindA) && !IsMmss(kindB)) {
-        result->listA = LoadRoamingList(pathA, error, part);
+        // The part picks a list of each concatenated file; a plain list beside it is taken whole,
+        // so the second list of a release can be checked against the list it was built from.
+        auto load = [part, &error](const std::string& path) {
+            auto list = LoadRoamingList(path, error, 1);
+            if (list && part == 2 && list->form == ListForm::Concatenated) list = LoadRoamingList(path, error, 2);
+            return list;
+        };
+        result->listA = load(pathA);
         if (!result->listA) return nullptr;
-        result->listB = LoadRoamingList(pathB, error, part);
+        result->listB = load(pathB);
         if (!result->listB) return nullptr;
+        if (part == 2 && result->listA->form != ListForm::Concatenated &&
+            result->listB->form != ListForm::Concatenated) {
+            error = "--part 2 asks for the second list of a concatenated roaming list, and neither " +
+                    pathA + " nor " + pathB + " is one";
+            return nullptr;
+        }
         result->list = DiffLists(*result->listA->data, result->listA->version,
                                  *result->listB->data, result->listB->version);
         return result;
@@ -327,6 +340,11 @@ std::string MmssRecordText(const json& record) {
         const bool isName = key.size() > 4 && key.compare(key.size() - 4, 4, "Name") == 0;
         if (isName && record.contains(key.substr(0, key.size() - 4))) continue;
         if (!out.empty()) out += " ";
+        // Inner records are compared in tables of their own; here their count is enough.
+        if (value.is_array() && !value.empty() && value.front().is_object()) {
+            out += key + "=(" + std::to_string(value.size()) + ")";
+            continue;
+        }
         out += key + "=" + Value(value);
         auto name = record.find(key + "Name");
         if (name != record.end()) out += " (" + Value(*name) + ")";

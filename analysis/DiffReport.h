@@ -31,8 +31,8 @@ struct FileComparison {
     bool Same() const { return roamingLists ? list.Same() : mmss.Same(); }
 };
 
-// Reads and compares the files at `pathA` and `pathB`; `part` (1 or 2) picks the list of
-// concatenated roaming lists. Nothing, with one clear line in `error`, when a file is missing or
+// Reads and compares the files at `pathA` and `pathB`; `part` (1 or 2) picks the list of each
+// concatenated roaming list (a plain list is taken whole; part 2 needs one concatenated file). Nothing, with one clear line in `error`, when a file is missing or
 // unreadable, when the two are of different kinds, or when `part` does not apply.
 std::unique_ptr<FileComparison> CompareFiles(const std::string& pathA, const std::string& pathB,
                                              int part, std::string& error);

@@ -26,6 +26,7 @@
 #include "app/ProblemsPanel.h"
 #include "app/RLDoc.h"
 #include "app/RLViews.h"
+#include "app/CompareWindow.h"
 #include "app/SelectionWindow.h"
 #include "app/TessaryApp.h"
 #include "foundation/MessageTable.h"
@@ -370,6 +371,9 @@ void CMainFrame::BuildMenus() {
             }
         auto* w = new SelectionWindow(*d, this);
         w->show();
+    });
+    listMenu_->addAction(tr("Co&mpare With..."), this, [this] {
+        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) CompareWindow::Ask(*d, app_, this);
     });
 
     // View

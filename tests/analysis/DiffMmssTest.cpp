@@ -47,6 +47,24 @@ TEST(DiffMmssTest, RecordsCompareInOrder) {
     }
 }
 
+// A change inside an entry's own records is reported in a table of those records, not as the
+// whole inner list.
+TEST(DiffMmssTest, InnerRecordsGetTablesOfTheirOwn) {
+    auto bst = [](int mcc, int second) {
+        return json{{"fileType", "3GPP BST"},
+                    {"entries", {{{"mcc", mcc}, {"records", {{{"x", 1}}, {{"x", second}}}}}}}};
+    };
+    MmssDiff d = DiffMmss(bst(310, 2), bst(311, 3));
+    ASSERT_EQ(d.tables.size(), 2u);
+    EXPECT_EQ(d.tables[0].name, "entries");
+    ASSERT_EQ(d.tables[0].changed.size(), 1u);
+    EXPECT_EQ(d.tables[0].changed[0].fields, std::vector<std::string>{"mcc"});
+    EXPECT_EQ(d.tables[1].name, "entries 0 records");
+    ASSERT_EQ(d.tables[1].changed.size(), 1u);
+    EXPECT_EQ(d.tables[1].changed[0].a, 1u);
+    EXPECT_EQ(d.tables[1].changed[0].fields, std::vector<std::string>{"x"});
+}
+
 TEST(DiffMmssTest, MsplListsPairByIdentifier) {
     auto id = [](int msplId, std::vector<int> sysTypes) {
         json records = json::array();

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "analysis/Diff.h"
+#include "analysis/DiffReport.h"
 #include "analysis/ListSource.h"
 #include "roaming_list/Conversion.h"
 #include "tests/support/JsonList.h"
@@ -139,6 +140,27 @@ TEST(DiffTest, GeoGoesWhereMostOfItsRecordsWent) {
                        Sid(5, 65535, true, false, false, 0)});
     EXPECT_EQ(d.geoMap, (std::vector<int>{0, 1}));
     EXPECT_EQ(Changes(d), (V{"1->2:geo", "2->1:geo"}));
+}
+
+// The text files each difference under the GEO of the second list it belongs to: a removed record
+// under the GEO its own went to, and a GEO that vanished on its own.
+TEST(DiffTest, TextGroupsByGeoOfTheSecondList) {
+    const json acq = {PcsChannels({25}), PcsChannels({50})};
+    auto a = JsonList(acq, {Sid(1, 65535, true, true, false, 0), Sid(2, 65535, true, false, false, 0),
+                            Sid(3, 65535, true, true, false, 0), Sid(4, 65535, true, true, false, 0)});
+    auto b = JsonList(acq, {Sid(1, 65535, true, true, false, 1), Sid(5, 65535, true, false, false, 0),
+                            Sid(3, 65535, true, true, false, 0)});
+    ListDiff d = DiffLists(*a, 3, *b, 3);
+    EXPECT_EQ(ListDiffText(d, *a, *b),
+              "GEO 0\n"
+              "  + 1\t0\tPref\tSame\tSame\t0\t1\tNo\t0\tNo\tNo\t5\t65535\t0\n"
+              "  - 1\t0\tPref\tSame\tSame\t0\t1\tNo\t0\tNo\tNo\t2\t65535\t0\n"
+              "  ~ 0\t0\tPref\tNew\tSame\t1\t1\tNo\t0\tNo\tNo\t1\t65535\t0\n"
+              "      acquisition: [0] 6 25 -> [1] 6 50\n"
+              "GEO 2 of the first list (gone)\n"
+              "  - 3\t0\tPref\tNew\tSame\t0\t1\tNo\t0\tNo\tNo\t4\t65535\t0\n"
+              "1 added, 2 removed, 1 changed systems; 0 added, 0 removed, 0 changed acquisition records; "
+              "0 header changes\n");
 }
 
 TEST(DiffTest, HeaderFieldsThatAUserSets) {

@@ -26,6 +26,11 @@ TEST(CliDiff, ExitStatusSaysSameDifferentOrTrouble) {
     const std::string text = (dir / "a.txt").string();
     ASSERT_EQ(RunCli({"text", kListA, "-o", text}).status, 0);
     std::filesystem::create_directory(dir / "folder");
+    // Two concatenated lists that share their first list and differ in the second.
+    std::filesystem::copy_file(kListA, dir / "a.prl");
+    const std::string joinedE = (dir / "ae.prl").string(), joinedA = (dir / "aa.prl").string();
+    ASSERT_EQ(RunCli({"join", kListA, kListE, "-o", joinedE}).status, 0);
+    ASSERT_EQ(RunCli({"join", kListA, (dir / "a.prl").string(), "-o", joinedA}).status, 0);
     struct Case {
         std::vector<std::string> args;
         int status;
@@ -41,9 +46,12 @@ TEST(CliDiff, ExitStatusSaysSameDifferentOrTrouble) {
         {{kListA, kData + "/mmss/sample.mspl"}, 2, "only files of one kind compare"},
         {{kData + "/mmss/sample.ehplmn", kData + "/mmss/sample.oplmn"}, 2, "only files of one kind compare"},
         {{kData + "/mmss/sample.tot", kData + "/mmss/sample.tot", "--part", "2"}, 2, "--part"},
-        {{kListA, kListA, "--part", "2"}, 2, "--part 2"},
+        {{kListA, kListA, "--part", "2"}, 2, "neither"},
         {{kListA, kListA, "--part", "3"}, 2, "--part must be 1 or 2"},
         {{kData + "/mmss/sample.tot", kData + "/mmss/sample.tot"}, 0, ""},
+        {{joinedE, joinedA}, 0, ""},
+        {{joinedE, joinedA, "--part", "2"}, 1, ""},
+        {{joinedE, kListE, "--part", "2"}, 0, ""},  // a plain list beside a concatenated one
     };
     for (const auto& c : cases) {
         std::vector<std::string> args = {"diff"};
