@@ -339,6 +339,15 @@ std::string OperatorLabel(const std::vector<Operator>& operators) {
     return label;
 }
 
+std::string OperatorNames(const std::vector<Operator>& operators) {
+    std::vector<std::string> names;
+    for (const auto& op : operators)
+        if (std::find(names.begin(), names.end(), op.name) == names.end()) names.push_back(op.name);
+    std::string label;
+    for (const auto& name : names) label += (label.empty() ? "" : " / ") + name;
+    return label;
+}
+
 std::string CountryLabel(const std::vector<Operator>& operators) {
     std::string label;
     for (const auto& group : ByCountry(operators)) {

@@ -71,6 +71,8 @@ std::vector<Operator> OperatorsForRecord(const ProviderDirectory& directory, con
 // "Verizon Wireless (United States)", "A / B (United States)" or "A (Canada) / B (United States)";
 // empty when there is none.
 std::string OperatorLabel(const std::vector<Operator>& operators);
+// The operator names alone, without their countries: "A / B".
+std::string OperatorNames(const std::vector<Operator>& operators);
 // The countries alone, in the same order: "United States" or "Canada / United States".
 std::string CountryLabel(const std::vector<Operator>& operators);
 

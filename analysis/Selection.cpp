@@ -1,5 +1,7 @@
 #include "analysis/Selection.h"
 
+#include "analysis/Providers.h"
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -211,7 +213,17 @@ std::string CoverageNote(const std::optional<bool>& covers, const Observation& o
 
 }  // namespace
 
-std::string FormatSelectionText(const SelectionResult& r, const ListFacts& facts) {
+std::string FormatSelectionText(const SelectionResult& r, const ListFacts& facts,
+                                const ProviderDirectory* providers) {
+    // The record's text-form line, and the operators it names when the database knows them.
+    const auto line = [&](size_t index) {
+        std::string text = SystemLine(facts, index);
+        if (providers) {
+            const std::string label = OperatorLabel(OperatorsForRecord(*providers, facts.System(index)));
+            if (!label.empty()) text += "  (" + label + ")";
+        }
+        return text;
+    };
     std::ostringstream out;
     out << r.observation.Describe() << ": " << VerdictName(r.verdict) << '\n';
     if (!r.match) {
@@ -224,7 +236,7 @@ std::string FormatSelectionText(const SelectionResult& r, const ListFacts& facts
         return out.str();
     }
     const SelectionMatch& m = *r.match;
-    out << "  record: " << SystemLine(facts, m.index) << '\n';
+    out << "  record: " << line(m.index) << '\n';
     out << "  GEO " << m.geo << ", priority level " << m.level << ", roaming indicator "
         << (m.roamInd ? std::to_string(*m.roamInd) : std::string("none")) << '\n';
     out << "  acquisition record " << m.acqIndex << ": ";
@@ -239,14 +251,14 @@ std::string FormatSelectionText(const SelectionResult& r, const ListFacts& facts
     } else {
         out << "  more preferred systems (the handset keeps looking for these):\n";
         for (const auto& s : r.morePreferred)
-            out << "    " << SystemLine(facts, s.index) << "  [level " << s.level << "; "
+            out << "    " << line(s.index) << "  [level " << s.level << "; "
                 << s.coverage.ToText() << "]\n";
     }
     if (r.candidates.size() > 1) {
         out << "  other matching records:\n";
         for (const auto& c : r.candidates)
             if (c.lost != LossReason::None)
-                out << "    " << SystemLine(facts, c.index) << "  [" << LossReasonText(c, r) << "]\n";
+                out << "    " << line(c.index) << "  [" << LossReasonText(c, r) << "]\n";
     }
     return out.str();
 }
@@ -266,7 +278,8 @@ std::string FormatSelectionLine(const SelectionResult& r) {
     return line;
 }
 
-std::string FormatSelectionJson(const SelectionResult& r) {
+std::string FormatSelectionJson(const SelectionResult& r, const ListFacts* facts,
+                                const ProviderDirectory* providers) {
     using Json = nlohmann::ordered_json;
     Json j;
     j["verdict"] = VerdictName(r.verdict);
@@ -279,6 +292,10 @@ std::string FormatSelectionJson(const SelectionResult& r) {
                       {"roamInd", m.roamInd ? Json(*m.roamInd) : Json(nullptr)},
                       {"acqIndex", m.acqIndex},
                       {"acqCovers", m.acqCovers ? Json(*m.acqCovers) : Json(nullptr)}};
+        if (facts && providers) {
+            const auto operators = OperatorsForRecord(*providers, facts->System(m.index));
+            if (!operators.empty()) j["match"]["operators"] = Json::parse(OperatorsJson(operators).dump());
+        }
     } else {
         j["match"] = nullptr;
     }

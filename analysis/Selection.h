@@ -19,6 +19,8 @@ class CRLData;
 
 namespace Tarn::Analysis {
 
+class ProviderDirectory;
+
 enum class Verdict { Preferred, Negative, UnlistedAllowed, UnlistedForbidden };
 // "preferred", "negative", "unlisted-allowed", "unlisted-forbidden".
 const char* VerdictName(Verdict verdict);
@@ -93,12 +95,16 @@ private:
 
 // The human answer: verdict, the winning record as its text-form line, GEO, level, roaming
 // indicator, the more preferred systems with their channels, and every other match with why it lost.
-std::string FormatSelectionText(const SelectionResult& result, const ListFacts& facts);
+// With `providers`, each record line is followed by the operators it names.
+std::string FormatSelectionText(const SelectionResult& result, const ListFacts& facts,
+                                const ProviderDirectory* providers = nullptr);
 // One line for the batch form.
 std::string FormatSelectionLine(const SelectionResult& result);
 // The result as one JSON object (compact, one line) with the keys verdict, match, candidates,
-// morePreferred and roamInd.
-std::string FormatSelectionJson(const SelectionResult& result);
+// morePreferred and roamInd; with `facts` and `providers`, a match that names operators also
+// carries them as "operators".
+std::string FormatSelectionJson(const SelectionResult& result, const ListFacts* facts = nullptr,
+                                const ProviderDirectory* providers = nullptr);
 std::string LossReasonText(const SelectionCandidate& candidate, const SelectionResult& result);
 
 // Reads observations from CSV: a header naming the columns sid, nid, mcc, mnc, subnet, band and

@@ -22,6 +22,7 @@
 #include <QStatusBar>
 #include <QStyle>
 
+#include "app/ExchangeActions.h"
 #include "app/ProblemsPanel.h"
 #include "app/RLDoc.h"
 #include "app/RLViews.h"
@@ -264,6 +265,17 @@ void CMainFrame::BuildMenus() {
               [this] { app_.OnJoinWizard(); });
     connectTo(Add(concat, MakeAction(Cmd::SplitConcatPrl, tr("&Split..."))),
               [this] { app_.OnSplitWizard(); });
+    QMenu* exportMenu = fileMenu_->addMenu(tr("Ex&port"));
+    connectTo(Add(exportMenu, MakeAction(Cmd::ExportCsv, tr("&CSV..."))), [this] {
+        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) ExportListCsv(*d);
+    });
+    connectTo(Add(exportMenu, MakeAction(Cmd::ExportXlsx, tr("&XLSX..."))), [this] {
+        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) ExportListXlsx(*d);
+    });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::ImportCsv, tr("&Import CSV..."))),
+              [this] { ImportListCsv(app_, this); });
+    connectTo(Add(fileMenu_, MakeAction(Cmd::ProviderDatabase, tr("Provider &Database..."))),
+              [this] { ChooseProviderDatabase(this); });
     fileMenu_->addSeparator();
     connectTo(
         Add(fileMenu_, MakeAction(Cmd::TextView, tr("&Text View"), {K(Qt::CTRL | Qt::Key_T)})),
@@ -476,6 +488,8 @@ void CMainFrame::UpdateCommands() {
         a->setEnabled(rl != nullptr);
     }
     if (QAction* a = Action(Cmd::VersionHistory)) a->setVisible(!any);
+    for (int id : {Cmd::ExportCsv, Cmd::ExportXlsx})
+        if (QAction* a = Action(id)) a->setEnabled(grids);
     if (QAction* a = Action(Cmd::FileNew)) a->setEnabled(!app_.IsCommandLineMode());
     windowMenu_->menuAction()->setVisible(any);
     listMenu_->menuAction()->setVisible(grids);

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "cli/Command.h"
+#include "cli/SystemsListing.h"
 #include "foundation/AtomicFile.h"
 #include "formats/FileKinds.h"
 
@@ -36,7 +37,12 @@ const CommandRegistrar kInfo(20, "info", [](CLI::App& app) {
     auto file = std::make_shared<std::string>();
     CLI::App* sub = app.add_subcommand("info", "Show the kind, header fields and record counts of a file");
     sub->add_option("FILE", *file, "File to describe")->required();
-    return std::function<int()>([file] {
+    auto systems = std::make_shared<bool>(false);
+    auto providers = std::make_shared<ProviderOption>();
+    sub->add_flag("--systems", *systems, "List a roaming list's systems by GEO with operator and country");
+    providers->AddTo(sub);
+    return std::function<int()>([file, systems, providers] {
+        if (*systems) return PrintSystemsByGeo(*file, *providers);
         auto doc = Open("info", *file);
         if (!doc) return kExitFailure;
         std::cout << *file << ": " << doc->KindName() << '\n';

@@ -1,10 +1,12 @@
 // The verbs that build and reshape files: build (from JSON or text), convert (between roaming
 // list versions), join and split (concatenated roaming lists).
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "analysis/CsvExchange.h"
 #include "cli/Command.h"
 #include "foundation/AtomicFile.h"
 #include "foundation/MessageTable.h"
@@ -24,6 +26,7 @@ struct LoadedList {
     std::unique_ptr<CRLData> data;
     int version = 0;
     bool is1xEV = false;
+    std::vector<uint8_t> prefix;  // the 5-byte prefix a spreadsheet export carried
 };
 
 bool IsTextPath(const std::string& path) { return KindForOpen(path) == FileKind::RoamingListText; }
@@ -47,7 +50,7 @@ bool LoadList(const std::string& path, LoadedList& out, std::string& error) {
             error = std::string(MessageText(Msg::NotRecognizedFormat)) + " (" + r.error + ")";
             return false;
         }
-        out = {std::move(r.data), r.version, r.is1xEV};
+        out = {std::move(r.data), r.version, r.is1xEV, {}};
         return true;
     }
     CRLFile file(std::move(bytes));
@@ -99,7 +102,9 @@ bool SaveList(const std::string& verb, const LoadedList& list, const std::string
         PrintError(verb, std::string(MessageText(Msg::ErrorWritingFile)) + " " + e.what());
         return false;
     }
-    if (!file.Save(out, error)) {
+    if (!list.prefix.empty()
+            ? !WriteFileAtomically(out, Analysis::WithPrefix(list.prefix, file.Bytes()), error)
+            : !file.Save(out, error)) {
         PrintError(verb, out + ": " + error);
         return false;
     }
@@ -167,7 +172,15 @@ int Build(const std::string& in, const std::string& out, const std::string& vers
     }
     LoadedList list;
     std::string error;
-    if (!LoadList(in, list, error)) {
+    if (std::filesystem::is_directory(in)) {
+        // A directory is a spreadsheet export: header.csv, acquisition.csv, system.csv.
+        Analysis::ImportedList imported = Analysis::ReadListCsv(in, !noCheck);
+        for (const auto& line : imported.errors) PrintError("build", line);
+        if (!imported.data) return kExitFailure;
+        list.data = std::move(imported.data);
+        list.version = imported.version;
+        list.prefix = std::move(imported.prefix);
+    } else if (!LoadList(in, list, error)) {
         PrintError("build", in + ": " + error);
         return kExitFailure;
     }
@@ -188,7 +201,7 @@ const CommandRegistrar kBuild(50, "build", [](CLI::App& app) {
     auto a = std::make_shared<Args>();
     CLI::App* sub = app.add_subcommand(
         "build", "Write a file from its JSON form (any kind) or a roaming list from its text form");
-    sub->add_option("IN", a->in, "A .json file, or a roaming list text (.txt)")->required();
+    sub->add_option("IN", a->in, "A .json file, a roaming list text (.txt), or a directory tarn-cli csv wrote")->required();
     sub->add_option("-o,--output", a->out, "The file to write; its name gives its kind")->required();
     sub->add_option("--version", a->version, "Roaming list version to write (IS-683A .. IS-683E)");
     sub->add_flag("--no-check", a->noCheck, "Write a roaming list even if the save checks fail");

@@ -6,6 +6,7 @@
 #include "analysis/ListSource.h"
 #include "analysis/Selection.h"
 #include "cli/Command.h"
+#include "cli/ProviderOption.h"
 
 namespace Tarn::Cli {
 namespace {
@@ -17,6 +18,7 @@ struct SelectArgs {
     ObservationFields fields;
     int part = 1;
     bool json = false;
+    ProviderOption providers;
 };
 
 // Every row is checked before anything is printed, so a bad row never leaves half an answer on
@@ -67,11 +69,12 @@ int RunSelect(const SelectArgs& a) {
         return kExitFailure;
     }
     const Selector selector(*list->data);
+    const ProviderDirectory& providers = a.providers.Directory("select");
 
     if (a.observations.empty()) {
         SelectionResult result = selector.Select(observation);
-        if (a.json) std::cout << FormatSelectionJson(result) << '\n';
-        else std::cout << FormatSelectionText(result, selector.Facts());
+        if (a.json) std::cout << FormatSelectionJson(result, &selector.Facts(), &providers) << '\n';
+        else std::cout << FormatSelectionText(result, selector.Facts(), &providers);
         return kExitOk;
     }
     std::ifstream in(a.observations, std::ios::binary);
@@ -86,7 +89,8 @@ int RunSelect(const SelectArgs& a) {
             return kExitUsage;
         }
         SelectionResult result = selector.Select(observation);
-        line = a.json ? FormatSelectionJson(result) : FormatSelectionLine(result);
+        line = a.json ? FormatSelectionJson(result, &selector.Facts(), &providers)
+                      : FormatSelectionLine(result);
         line += '\n';
         std::cout << line;
     }
@@ -113,6 +117,7 @@ const CommandRegistrar kRegistrar(35, "select", [](CLI::App& app) {
     sub->add_option("--part", a->part, "Which list of a concatenated file: 1 or 2")
         ->check(CLI::IsMember({1, 2}));
     sub->add_flag("--json", a->json, "One JSON object (JSON Lines for --observations)");
+    a->providers.AddTo(sub);
     return std::function<int()>([a] { return RunSelect(*a); });
 });
 

@@ -58,7 +58,13 @@ bool WriteFileAtomically(const fs::path& path, const std::vector<uint8_t>& bytes
     fs::path tmp;
     int fd = -1;
     for (int attempt = 0; attempt < 16 && fd < 0; ++attempt) {
-        tmp = dir / ("." + path.filename().string() + ".tmp" + std::to_string(rd() % 1000000));
+        // Built by appending: GCC 12 at -O3 misreads the prepend of `"." + std::string&&` as
+        // an overlapping copy (-Wrestrict).
+        std::string name = ".";
+        name += path.filename().string();
+        name += ".tmp";
+        name += std::to_string(rd() % 1000000);
+        tmp = dir / name;
         fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
         if (fd < 0 && errno != EEXIST) break;
     }

@@ -35,11 +35,11 @@ uint32_t Entry::Read(CRLFile& file) {
     mcc.clear();
     const uint32_t bstType = Mmss::Take(file, 8, "BST type");
     if (bstType != 1) throw Mmss::FormatError("Invalid Bst Type. Only Type1 is supported");
-    type = "1";
+    type = std::to_string(bstType);
     Mmss::Take(file, 16, "BST entry length");
     const uint32_t ext = Mmss::Take(file, 8, "BST extension flag");
     if (ext != 0) throw Mmss::FormatError("Invalid Extension Inclusion. Only 0 is supported");
-    extension = "0";
+    extension = std::to_string(ext);
     uint32_t bits = 40;
     if (Mmss::Take(file, 8, "MCC count") != 0) {
         Mmss::Take(file, 4, "MCC filler");

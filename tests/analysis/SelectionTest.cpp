@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "analysis/Providers.h"
 #include "analysis/Selection.h"
 #include "roaming_list/SysItem.h"
 #include "tests/support/JsonList.h"
@@ -263,6 +264,32 @@ TEST(SelectionTest, JsonKeepsItsKeysAndNulls) {
         {{"3"}, R"({"verdict":"unlisted-allowed","match":null,"candidates":[],"morePreferred":[],"roamInd":1})"},
     };
     for (const auto& c : cases) EXPECT_EQ(FormatSelectionJson(selector.Select(Obs(c.fields))), c.json);
+}
+
+TEST(SelectionTest, OperatorsNamedBesideTheRecords) {
+    std::vector<std::string> warnings;
+    const auto providers = ProviderDirectory::Parse(
+        R"(<serviceproviders format="2.0"><country code="us">)"
+        R"(<provider><name>North Cell</name><cdma><sid value="1"/></cdma></provider>)"
+        R"(<provider><name>Shared Net</name><cdma><sid value="1"/></cdma></provider>)"
+        R"(</country></serviceproviders>)",
+        R"({"3166-1": [{"alpha_2": "US", "name": "United States"}]})", "test.xml", warnings);
+    ASSERT_TRUE(warnings.empty());
+    auto list = JsonList(json::array({PcsChannels({25})}),
+                         json::array({Sid(1, 65535, true, true, true, 0, 3), Sid(2, 65535, true, false, false, 0)}));
+    Selector selector(*list);
+    const std::string text = FormatSelectionText(selector.Select(Obs({"2"})), selector.Facts(), &providers);
+    // The winner (SID 2) is nobody's; the more preferred SID 1 is claimed twice.
+    EXPECT_NE(text.find("(North Cell / Shared Net (United States))"), std::string::npos) << text;
+    const size_t record = text.find("  record: ");
+    ASSERT_NE(record, std::string::npos);
+    EXPECT_EQ(text.substr(record, text.find('\n', record) - record).find('('), std::string::npos) << text;
+    const auto j = json::parse(FormatSelectionJson(selector.Select(Obs({"1"})), &selector.Facts(), &providers));
+    ASSERT_EQ(j["match"]["operators"].size(), 2u);
+    EXPECT_EQ(j["match"]["operators"][1]["name"], "Shared Net");
+    EXPECT_EQ(j["match"]["operators"][0]["country"], "US");
+    EXPECT_FALSE(json::parse(FormatSelectionJson(selector.Select(Obs({"2"})), &selector.Facts(), &providers))["match"]
+                     .contains("operators"));
 }
 
 TEST(SelectionTest, ObservationCsvRowsAndErrors) {
