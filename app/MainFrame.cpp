@@ -159,7 +159,7 @@ CMainFrame::CMainFrame(CTessaryApp& app) : app_(app), mdi_(new QMdiArea(this)) {
     BuildMenus();
     statusBar()->showMessage(tr("Ready"));
     connect(mdi_, &QMdiArea::subWindowActivated, this, &CMainFrame::UpdateCommands);
-    connect(mdi_, &QMdiArea::subWindowActivated, problems, [this, problems] {
+    connect(mdi_, &QMdiArea::subWindowActivated, this, [this, problems] {
         if (!destroying_) problems->SetDocument(ActiveDocument());
     });
     connect(&app_, &CTessaryApp::recentFilesChanged, this, &CMainFrame::RebuildRecentFiles);

@@ -70,7 +70,8 @@ ProblemsPanel::ProblemsPanel(QWidget* parent) : QDockWidget(tr("Problems"), pare
 
 void ProblemsPanel::SetDocument(CDocument* doc) {
     auto* list = qobject_cast<CRLDoc*>(doc);
-    if (list == doc_) return;
+    // A closed document has already left `doc_` empty; nothing still clears what it showed.
+    if (list && list == doc_) return;
     disconnect(editedConnection_);
     doc_ = list;
     findings_.clear();

@@ -32,26 +32,21 @@ TEST(LintPolicyTest, RefusesBadPoliciesNamingTheKey) {
         {R"({"prefonly": true})", "policy key \"prefonly\": is not a policy key"},
         {R"({"prefOnly": "yes"})", "\"prefOnly\": must be true or false"},
         {R"({"defRoamInd": 256})", "\"defRoamInd\": 256 is out of range (0 - 255)"},
-        {R"({"defRoamInd": -1})", "\"defRoamInd\": must be a whole number"},
         {R"({"maxListSize": "16k"})", "\"maxListSize\": must be a whole number"},
-        {R"({"maxListSize": 1.5})", "\"maxListSize\": must be a whole number"},
         {R"({"requiredSystems": {"sid": 1}})", "\"requiredSystems\": must be a list"},
         {R"({"requiredSystems": [4106]})", "\"requiredSystems[0]\": must be an object"},
         {R"({"requiredSystems": [{"sid": 40000}]})", "\"requiredSystems[0]\": SID 40000 is out of range"},
         {R"({"forbiddenSystems": [{"sid": 1}, {"sid": "x"}]})", "\"forbiddenSystems[1]\": SID \"x\" is not a number"},
         {R"({"requiredSystems": [{"sid": 1, "mcc": "310", "mnc": "00"}]})", "needs exactly one of sid"},
-        {R"({"requiredSystems": [{}]})", "needs exactly one of sid"},
         {R"({"requiredSystems": [{"nid": 1, "subnet": "2001:db8::/32"}]})", "nid needs sid"},
         {R"({"requiredSystems": [{"mcc": "310"}]})", "mcc and mnc go together"},
         {R"({"requiredSystems": [{"mcc": 310, "mnc": 1}]})", "MNC \"1\" must be two or three digits"},
         {R"({"requiredSystems": [{"sid": 1, "band": 1}]})", "\"requiredSystems[0].band\": is not a system field"},
-        {R"({"requiredSystems": [{"sid": true}]})", "\"requiredSystems[0].sid\": must be a number or a string"},
         {R"({"roamIndAllowed": 1})", "\"roamIndAllowed\": must be a list"},
         {R"({"roamIndAllowed": [1, "2"]})", "\"roamIndAllowed[1]\": must be a whole number"},
         {R"({"rules": ["unused-acquisition"]})", "\"rules\": must be an object"},
         {R"({"rules": {"unused-acquisitions": "off"}})", "\"rules.unused-acquisitions\": there is no rule"},
         {R"({"rules": {"ambiguous-geo": "fatal"}})", "\"rules.ambiguous-geo\": must be \"off\""},
-        {R"({"rules": {"ambiguous-geo": 0}})", "\"rules.ambiguous-geo\": must be \"off\""},
     };
     for (const auto& c : cases) {
         Policy p;
@@ -59,23 +54,6 @@ TEST(LintPolicyTest, RefusesBadPoliciesNamingTheKey) {
         EXPECT_FALSE(ParsePolicy(c.text, p, error)) << c.text;
         EXPECT_NE(error.find(c.message), std::string::npos) << c.text << " -> " << error;
     }
-}
-
-TEST(LintPolicyTest, ReadsEveryKey) {
-    Policy p = Parse(R"({"prefOnly": true, "defRoamInd": 64, "maxListSize": 8192,
-        "requiredSystems": [{"sid": 4106}, {"mcc": "310", "mnc": "120"}, {"sid": "22", "nid": 5}],
-        "forbiddenSystems": [{"subnet": "2001:db8::/32"}], "roamIndAllowed": [0, 1, 64],
-        "rules": {"unused-acquisition": "off", "plmn-duplicate": "error", "policy-list-size": "warning"}})");
-    EXPECT_EQ(p.prefOnly, true);
-    EXPECT_EQ(p.defRoamInd, 64u);
-    EXPECT_EQ(p.maxListSize, 8192u);
-    ASSERT_EQ(p.requiredSystems.size(), 3u);
-    EXPECT_EQ(p.requiredSystems[1].text, "MCC 310 MNC 120");
-    EXPECT_EQ(p.requiredSystems[2].text, "SID 22 NID 5");
-    ASSERT_EQ(p.forbiddenSystems.size(), 1u);
-    EXPECT_EQ(p.roamIndAllowed, (std::vector<unsigned>{0, 1, 64}));
-    EXPECT_EQ(p.grades.at("unused-acquisition"), std::nullopt);
-    EXPECT_EQ(p.grades.at("plmn-duplicate"), Severity::Error);
 }
 
 // "rule where" pairs of the findings whose rule starts with "policy-".

@@ -114,6 +114,11 @@ TEST(LintRulesTest, EachRuleFiresWhereItShouldAndNowhereElse) {
          {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 1),
           Sid(1, 65535, true, false, false, 0), Sid(1, 65535, true, true, false, 1)},
          {"system #2", "system #3"}},
+        {"channels around but not on each other's", "ambiguous-geo",
+         {PcsChannels({25, 27}), PcsChannels({26}), PcsChannels({24}), PcsChannels({24, 25, 26})},
+         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 1),
+          Sid(1, 65535, true, true, false, 2), Sid(1, 65535, true, true, false, 3)},
+         {"system #3"}},
         {"other record types are not compared", "ambiguous-geo", {P25},
          {Subnet("2001:db8::/32", true, 1), Subnet("2001:db8::/32", true, 1)}, {}},
 

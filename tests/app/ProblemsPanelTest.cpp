@@ -70,6 +70,11 @@ TEST(ProblemsPanel, ShowsJumpsAndFollowsEdits) {
     // Undo brings it back.
     doc->UndoStack().undo();
     ASSERT_TRUE(QTest::qWaitFor([&] { return panel->Findings().size() == 2; }, 10000));
+
+    // Closing the list empties the panel.
+    TriggerMenu(f, "&Close");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return panel->Findings().empty(); }, 10000));
+    EXPECT_EQ(panel->Document(), nullptr);
 }
 
 TEST(ProblemsPanel, CheckWithAPolicyFile) {
