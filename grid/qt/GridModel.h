@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QHash>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <string>
 #include <vector>
@@ -66,6 +67,18 @@ public:
     // value is bad keeps its warning colour; otherwise the most recently set source wins.
     void SetRowHighlights(const QString& source, const QHash<int, QColor>& rows);
     void ClearRowHighlights(const QString& source) { SetRowHighlights(source, {}); }
+
+    // What a document computes about each row and shows beside it without writing it to any
+    // record: a background band under every other colour (a cell's warning, the named highlights
+    // and the selection all show over it) and short read-only fields under `headings`, which the
+    // row header shows after the row number (kRowInfoRole). Annotations move with their rows when
+    // rows are inserted or removed; a new row has none until the next call.
+    struct RowAnnotation {
+        QColor band;       // invalid: no band
+        QStringList info;  // one text per heading
+    };
+    void SetRowAnnotations(const QStringList& headings, std::vector<RowAnnotation> rows);
+    const QStringList& RowInfoHeadings() const { return infoHeadings_; }
 
     // Many writes at once (loading a whole table): the views are told once, at the end.
     void BeginBatch();
@@ -134,6 +147,8 @@ private:
 
     MemoryGrid grid_;
     std::vector<std::pair<QString, QHash<int, QColor>>> highlights_;
+    QStringList infoHeadings_;
+    std::vector<RowAnnotation> annotations_;
     int minVisible_;
     int visibleColumns_;
     int usedColumns_ = 0;
