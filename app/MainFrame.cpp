@@ -26,6 +26,7 @@
 #include "app/FindBar.h"
 #include "app/RLDoc.h"
 #include "app/RLViews.h"
+#include "app/SelectionWindow.h"
 #include "app/TessaryApp.h"
 #include "foundation/MessageTable.h"
 #include "grid/qt/GridView.h"
@@ -357,6 +358,20 @@ void CMainFrame::BuildMenus() {
               [this] {
                   if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) d->OnTypeConversion();
               });
+    listMenu_->addAction(tr("Simulate &Selection..."), this, [this] {
+        auto* d = qobject_cast<CRLDoc*>(ActiveDocument());
+        if (!d) return;
+        // One window per list: asking again brings it back.
+        for (auto* w : findChildren<SelectionWindow*>())
+            if (w->Document() == d) {
+                w->show();
+                w->raise();
+                w->activateWindow();
+                return;
+            }
+        auto* w = new SelectionWindow(*d, this);
+        w->show();
+    });
 
     // View
     QMenu* view = menuBar()->addMenu(tr("&View"));
