@@ -14,6 +14,7 @@
 #include <QValidator>
 
 #include "analysis/ListFacts.h"
+#include "analysis/Providers.h"
 #include "analysis/RecordSearch.h"
 #include "app/FilterBar.h"
 #include "app/FindBar.h"
@@ -99,7 +100,13 @@ void CListFacts::Refresh() {
     facts_.reset();
     data_ = std::move(data);
     facts_ = std::make_unique<Analysis::ListFacts>(*data_);
-    search_ = std::make_unique<Analysis::RecordSearch>(*facts_);
+    // Operator names come from the installed provider database, read the first time a query
+    // names an operator.
+    search_ = std::make_unique<Analysis::RecordSearch>(
+        *facts_, [facts = facts_.get()](size_t i) {
+            return Analysis::OperatorLabel(
+                Analysis::OperatorsForRecord(Analysis::ProviderDirectory::Shared(), facts->System(i)));
+        });
 
     std::vector<GridModel::RowAnnotation> rows(facts_->SystemCount());
     for (size_t i = 0; i < rows.size(); ++i) {

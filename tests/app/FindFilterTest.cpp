@@ -122,7 +122,7 @@ TEST(FindFilter, FindStepsThroughBothGridsAndGoToReachesRecordsAndGeos) {
     };
     const Case cases[] = {
         {"sid 4106", 0, 1}, {"4106", 0, 1}, {"283", 1, 0}, {"channel 283", 1, 1000},
-        {"sid 1007 nid 3", 0, 0}, {"verizon", 0, 0},
+        {"sid 1007 nid 3", 0, 0}, {"no such operator anywhere", 0, 0},
     };
     for (const auto& c : cases) {
         find.SetQuery(c.query);
