@@ -219,14 +219,14 @@ CRecordTableView::CRecordTableView(CRLDoc& doc, CRLDoc::Table table, const QStri
     connect(note_, &QLabel::linkActivated, this, &CRecordTableView::noteLinkActivated);
     grid_ = new GridView(this);
     grid_->SetGridModel(&doc.Grid(table));
-    auto* title = new QHBoxLayout;
-    title->addWidget(label_);
-    title->addSpacing(16);
-    title->addWidget(note_, 1);
+    auto* titleRow = new QHBoxLayout;
+    titleRow->addWidget(label_);
+    titleRow->addSpacing(16);
+    titleRow->addWidget(note_, 1);
     layout_ = new QVBoxLayout(this);
     layout_->setContentsMargins(0, 4, 0, 0);
     layout_->setSpacing(2);
-    layout_->addLayout(title);
+    layout_->addLayout(titleRow);
     layout_->addWidget(grid_, 1);
 
     GridModel& model = doc.Grid(table);

@@ -252,7 +252,7 @@ void GridModel::SetRowAnnotations(const QStringList& headings, std::vector<RowAn
     if (n == 0) return;
     emit headerDataChanged(Qt::Vertical, 0, n - 1);
     if (columnCount() > 0)
-        emit dataChanged(index(0, 0), index(n - 1, columnCount() - 1), {Qt::BackgroundRole});
+        emit dataChanged(index(0, 0), index(n - 1, columnCount() - 1), {kRowBandRole});
 }
 
 int GridModel::columnCount(const QModelIndex& parent) const {
@@ -277,8 +277,10 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
             for (auto it = highlights_.rbegin(); it != highlights_.rend(); ++it)
                 if (auto found = it->second.find(r); found != it->second.end())
                     return QBrush(found.value());
+            return {};
+        case kRowBandRole:
             if (static_cast<size_t>(r) < annotations_.size() && annotations_[r].band.isValid())
-                return QBrush(annotations_[r].band);
+                return annotations_[r].band;
             return {};
         case kCellKindRole:
             return static_cast<int>(grid_.GetCellKind(c, r));

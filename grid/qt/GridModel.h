@@ -69,9 +69,10 @@ public:
     void ClearRowHighlights(const QString& source) { SetRowHighlights(source, {}); }
 
     // What a document computes about each row and shows beside it without writing it to any
-    // record: a background band under every other colour (a cell's warning, the named highlights
-    // and the selection all show over it) and short read-only fields under `headings`, which the
-    // row header shows after the row number (kRowInfoRole). Annotations move with their rows when
+    // record: a band the view paints under every other colour (kRowBandRole; a cell's warning,
+    // the named highlights and the selection all show over it, and Qt::BackgroundRole stays
+    // theirs alone) and short read-only fields under `headings`, which the row header shows
+    // after the row number (kRowInfoRole). Annotations move with their rows when
     // rows are inserted or removed; a new row has none until the next call.
     struct RowAnnotation {
         QColor band;       // invalid: no band

@@ -62,6 +62,10 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
 
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
+    // A row's band lies under everything: a cell with a background of its own covers it.
+    if (const QVariant band = index.data(kRowBandRole);
+        band.isValid() && !index.data(Qt::BackgroundRole).isValid())
+        painter->fillRect(option.rect, band.value<QColor>());
     if (static_cast<CellKind>(index.data(kCellKindRole).toInt()) != CellKind::DropDown)
         return QStyledItemDelegate::paint(painter, option, index);
     QStyleOptionViewItem opt(option);

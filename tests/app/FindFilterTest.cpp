@@ -79,11 +79,12 @@ TEST(FindFilter, GeoColumnsAndStatusFollowTheListAndNeverReachTheFile) {
         const QStringList wanted{QString::number(f.geo),
                                  f.preferred ? QString::number(f.level) : QStringLiteral("neg")};
         ASSERT_EQ(info, wanted) << "row " << row;
-        // Alternate GEOs are banded, and the band is the cell background where nothing else is.
+        // Alternate GEOs are banded, under the cells and beside them.
         const bool banded = f.geo % 2 == 1;
         ASSERT_EQ(o.Sys().headerData(row, Qt::Vertical, kRowBandRole).value<QColor>().isValid(), banded)
             << "row " << row;
-        ASSERT_EQ(o.Sys().data(o.Sys().index(row, 1), Qt::BackgroundRole).isValid(), banded);
+        ASSERT_EQ(o.Sys().data(o.Sys().index(row, 1), kRowBandRole).isValid(), banded);
+        ASSERT_FALSE(o.Sys().data(o.Sys().index(row, 1), Qt::BackgroundRole).isValid());
     }
     EXPECT_EQ(o.Sys().RowInfoHeadings(), (QStringList{"GEO", "Level"}));
 
@@ -238,7 +239,7 @@ TEST(FindFilter, FilterHidesRowsAndEditsThroughItReachTheirRecord) {
     EXPECT_TRUE(o.view->AcqView()->Note().contains("used by 1000 system records"));
 }
 
-TEST(FindFilter, BandsSitUnderHighlightsAndMoveWithTheirRows) {
+TEST(FindFilter, BandsStayOutOfHighlightsAndMoveWithTheirRows) {
     GridModel grid("test", 4, 4);
     grid.SetRowCount(4);
     const QColor band(1, 2, 3), mark(9, 9, 9);
@@ -250,10 +251,10 @@ TEST(FindFilter, BandsSitUnderHighlightsAndMoveWithTheirRows) {
         return grid.data(grid.index(row, 0), Qt::BackgroundRole).value<QBrush>().color();
     };
     EXPECT_EQ(background(1), mark);
-    EXPECT_EQ(background(3), band);
-    EXPECT_FALSE(grid.data(grid.index(2, 0), Qt::BackgroundRole).isValid());
-    grid.ClearRowHighlights("find");
-    EXPECT_EQ(background(1), band);
+    EXPECT_EQ(grid.data(grid.index(1, 0), kRowBandRole).value<QColor>(), band);
+    EXPECT_EQ(grid.data(grid.index(3, 2), kRowBandRole).value<QColor>(), band);
+    EXPECT_FALSE(grid.data(grid.index(3, 0), Qt::BackgroundRole).isValid());
+    EXPECT_FALSE(grid.data(grid.index(2, 0), kRowBandRole).isValid());
 
     GridFilterModel filter(grid);
     filter.SetVisibleRows({true, false, true, false});
