@@ -30,6 +30,7 @@ FilterBar::FilterBar(CListFacts& facts, GridView& sysGrid, QWidget* parent)
     acq_->hide();
     clear_ = new QToolButton(this);
     clear_->setText(tr("Show All"));
+    clear_->setEnabled(false);
     status_ = new QLabel(this);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 2);
