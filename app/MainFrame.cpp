@@ -7,6 +7,7 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QFontDatabase>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -24,6 +25,7 @@
 
 #include "app/ExchangeActions.h"
 #include "app/ProblemsPanel.h"
+#include "app/FindBar.h"
 #include "app/RLDoc.h"
 #include "app/RLViews.h"
 #include "app/CompareWindow.h"
@@ -158,6 +160,10 @@ CMainFrame::CMainFrame(CTessaryApp& app) : app_(app), mdi_(new QMdiArea(this)) {
     problems->hide();
     BuildMenus();
     statusBar()->showMessage(tr("Ready"));
+    // The figures of the active roaming list: counts, size against the limit, CRC.
+    auto* listStatus = new QLabel(this);
+    listStatus->setObjectName(QStringLiteral("listStatus"));
+    statusBar()->addPermanentWidget(listStatus);
     connect(mdi_, &QMdiArea::subWindowActivated, this, &CMainFrame::UpdateCommands);
     connect(mdi_, &QMdiArea::subWindowActivated, this, [this, problems] {
         if (!destroying_) problems->SetDocument(ActiveDocument());
@@ -351,6 +357,40 @@ void CMainFrame::BuildMenus() {
     connectTo(Add(editMenu_,
                   MakeAction(Cmd::DeleteRows, tr("De&lete Rows"), {K(Qt::CTRL | Qt::Key_Delete)})),
               onGrid(&GridView::DeleteSelectedRows));
+    // Finding records in a roaming list window.
+    editMenu_->addSeparator();
+    auto onListView = [this](auto fn) {
+        return [this, fn] {
+            if (auto* child = qobject_cast<CMDIChildBase*>(mdi_->activeSubWindow()))
+                if (auto* view = qobject_cast<CRLView*>(child->widget())) fn(*view);
+        };
+    };
+    const struct {
+        int id;
+        const char* text;
+        QKeySequence key;
+        const char* prompt;
+        void (*run)(CRLView&);
+    } finding[] = {
+        {Cmd::EditFind, QT_TR_NOOP("&Find..."), K(Qt::CTRL | Qt::Key_F),
+         QT_TR_NOOP("Find records by SID, NID, MCC-MNC, subnet, channel or operator\nFind"),
+         [](CRLView& v) { v.ShowFind(); }},
+        {Cmd::EditFindNext, QT_TR_NOOP("Find &Next"), K(Qt::Key_F3),
+         QT_TR_NOOP("Go to the next record found\nFind Next"), [](CRLView& v) { v.FindNext(false); }},
+        {Cmd::EditFindPrevious, QT_TR_NOOP("Find Pre&vious"), K(Qt::SHIFT | Qt::Key_F3),
+         QT_TR_NOOP("Go to the previous record found\nFind Previous"),
+         [](CRLView& v) { v.FindNext(true); }},
+        {Cmd::EditGoTo, QT_TR_NOOP("&Go to Record..."), K(Qt::CTRL | Qt::Key_G),
+         QT_TR_NOOP("Go to a system or acquisition record by number, or to a GEO\nGo to Record"),
+         [](CRLView& v) { v.ShowGoTo(); }},
+    };
+    for (const auto& f : finding) {
+        QAction* a = Add(editMenu_, MakeAction(f.id, tr(f.text), {f.key}));
+        const QString prompt = tr(f.prompt);
+        a->setStatusTip(prompt.section('\n', 0, 0));
+        a->setToolTip(prompt.section('\n', 1));
+        connectTo(a, onListView(f.run));
+    }
 
     // Roaming list
     listMenu_ = menuBar()->addMenu(tr("&Roaming List"));
@@ -443,6 +483,11 @@ QMdiSubWindow* CMainFrame::AddDocumentWindow(CDocument& doc) {
     child->showMaximized();
     mdi_->setActiveSubWindow(child);
     if (child->widget()) child->widget()->setFocus();
+    if (auto* view = qobject_cast<CRLView*>(child->widget()))
+        connect(view, &CRLView::statusTextChanged, this, [this, child](const QString& text) {
+            if (mdi_->activeSubWindow() == child)
+                if (auto* label = findChild<QLabel*>(QStringLiteral("listStatus"))) label->setText(text);
+        });
     UpdateCommands();
     return child;
 }
@@ -499,6 +544,14 @@ void CMainFrame::UpdateCommands() {
     listMenu_->menuAction()->setVisible(grids);
     // Every document with grids edits through the same menu; only a text view has nothing to edit.
     editMenu_->menuAction()->setVisible(any && !(rl && rl->IsTextView()));
+    {
+        auto* child = qobject_cast<CMDIChildBase*>(active);
+        auto* view = child ? qobject_cast<CRLView*>(child->widget()) : nullptr;
+        for (int id : {Cmd::EditFind, Cmd::EditFindNext, Cmd::EditFindPrevious, Cmd::EditGoTo})
+            if (QAction* a = Action(id)) a->setVisible(view != nullptr);
+        if (auto* label = findChild<QLabel*>(QStringLiteral("listStatus")))
+            label->setText(view ? view->Facts().StatusText() : QString());
+    }
     if (QAction* a = Action(Cmd::EditUndo)) a->setEnabled(doc && doc->UndoStack().canUndo());
     if (QAction* a = Action(Cmd::EditRedo)) a->setEnabled(doc && doc->UndoStack().canRedo());
     if (doc && !doc->property("tarnWatched").toBool()) {

@@ -108,6 +108,7 @@ void GridModel::SetRowCount(int rows) {
     rows = std::max(rows, 0);
     const int old = grid_.GetRowCount();
     if (rows == old) return;
+    if (annotations_.size() > static_cast<size_t>(rows)) annotations_.resize(static_cast<size_t>(rows));
     if (batch_ > 0) {
         grid_.SetRowCount(rows);
     } else if (rows > old) {
@@ -244,6 +245,16 @@ void GridModel::SetRowHighlights(const QString& source, const QHash<int, QColor>
         emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), {Qt::BackgroundRole});
 }
 
+void GridModel::SetRowAnnotations(const QStringList& headings, std::vector<RowAnnotation> rows) {
+    infoHeadings_ = headings;
+    annotations_ = std::move(rows);
+    const int n = rowCount();
+    if (n == 0) return;
+    emit headerDataChanged(Qt::Vertical, 0, n - 1);
+    if (columnCount() > 0)
+        emit dataChanged(index(0, 0), index(n - 1, columnCount() - 1), {kRowBandRole});
+}
+
 int GridModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : visibleColumns_ + static_cast<int>(annotationTitles_.size());
 }
@@ -293,6 +304,10 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
                 if (auto found = it->second.find(r); found != it->second.end())
                     return QBrush(found.value());
             return {};
+        case kRowBandRole:
+            if (static_cast<size_t>(r) < annotations_.size() && annotations_[r].band.isValid())
+                return annotations_[r].band;
+            return {};
         case kCellKindRole:
             return static_cast<int>(grid_.GetCellKind(c, r));
         case kCellMaskRole:
@@ -334,9 +349,26 @@ Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
 }
 
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Vertical && (role == kRowInfoRole || role == kRowBandRole)) {
+        if (section < 0 || static_cast<size_t>(section) >= annotations_.size()) return {};
+        const RowAnnotation& a = annotations_[section];
+        if (role == kRowBandRole) return a.band;
+        return a.info;
+    }
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
     if (orientation == Qt::Vertical) return QString::number(section);
     if (IsAnnotationColumn(section)) return annotationTitles_[section - visibleColumns_];
+    if (orientation == Qt::Vertical) {
+        if (role == Qt::ToolTipRole && !infoHeadings_.isEmpty() && section >= 0 &&
+            static_cast<size_t>(section) < annotations_.size()) {
+            QStringList parts{tr("Row %1").arg(section)};
+            const QStringList& info = annotations_[section].info;
+            for (int i = 0; i < infoHeadings_.size() && i < info.size(); ++i)
+                parts << infoHeadings_[i] + " " + info[i];
+            return parts.join(", ");
+        }
+        return QString::number(section);
+    }
     const std::string heading = grid_.GetColumnHeading(section);
     if (role == Qt::ToolTipRole)
         return heading.empty()
@@ -390,6 +422,8 @@ void GridModel::RawInsertRows(int row, int count) {
     if (count <= 0) return;
     if (batch_ == 0) beginInsertRows({}, row, row + count - 1);
     for (int i = 0; i < count; ++i) grid_.InsertRow(row);
+    if (static_cast<size_t>(row) < annotations_.size())
+        annotations_.insert(annotations_.begin() + row, static_cast<size_t>(count), RowAnnotation{});
     if (batch_ == 0) endInsertRows();
 }
 
@@ -397,6 +431,7 @@ void GridModel::RawRemoveRow(int row) {
     if (row < 0 || row >= grid_.GetRowCount()) return;
     if (batch_ == 0) beginRemoveRows({}, row, row);
     grid_.RemoveRow(row);
+    if (static_cast<size_t>(row) < annotations_.size()) annotations_.erase(annotations_.begin() + row);
     if (batch_ == 0) endRemoveRows();
 }
 

@@ -79,6 +79,18 @@ public:
     bool IsAnnotationColumn(int column) const {
         return column >= visibleColumns_ && column < visibleColumns_ + annotationTitles_.size();
     }
+    // What a document computes about each row and shows beside it without writing it to any
+    // record: a band the view paints under every other colour (kRowBandRole; a cell's warning,
+    // the named highlights and the selection all show over it, and Qt::BackgroundRole stays
+    // theirs alone) and short read-only fields under `headings`, which the row header shows
+    // after the row number (kRowInfoRole). Annotations move with their rows when
+    // rows are inserted or removed; a new row has none until the next call.
+    struct RowAnnotation {
+        QColor band;       // invalid: no band
+        QStringList info;  // one text per heading
+    };
+    void SetRowAnnotations(const QStringList& headings, std::vector<RowAnnotation> rows);
+    const QStringList& RowInfoHeadings() const { return infoHeadings_; }
 
     // Many writes at once (loading a whole table): the views are told once, at the end.
     void BeginBatch();
@@ -147,6 +159,8 @@ private:
 
     MemoryGrid grid_;
     std::vector<std::pair<QString, QHash<int, QColor>>> highlights_;
+    QStringList infoHeadings_;
+    std::vector<RowAnnotation> annotations_;
     int minVisible_;
     int visibleColumns_;
     int usedColumns_ = 0;

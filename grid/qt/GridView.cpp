@@ -1,5 +1,6 @@
 #include "grid/qt/GridView.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -13,8 +14,10 @@
 #include <algorithm>
 #include <set>
 
+#include "grid/qt/GridFilterModel.h"
 #include "grid/qt/GridModel.h"
 #include "grid/qt/GridRoles.h"
+#include "grid/qt/RowHeaderView.h"
 
 namespace Tarn {
 
@@ -59,6 +62,10 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
 
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
+    // A row's band lies under everything: a cell with a background of its own covers it.
+    if (const QVariant band = index.data(kRowBandRole);
+        band.isValid() && !index.data(Qt::BackgroundRole).isValid())
+        painter->fillRect(option.rect, band.value<QColor>());
     if (static_cast<CellKind>(index.data(kCellKindRole).toInt()) != CellKind::DropDown)
         return QStyledItemDelegate::paint(painter, option, index);
     QStyleOptionViewItem opt(option);
@@ -120,6 +127,7 @@ void GridDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
 // ---- View ---------------------------------------------------------------------------------------
 
 GridView::GridView(QWidget* parent) : QTableView(parent) {
+    setVerticalHeader(new RowHeaderView(this));
     setItemDelegate(new GridDelegate(this));
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setSelectionBehavior(QAbstractItemView::SelectItems);
@@ -135,26 +143,93 @@ GridView::GridView(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setDefaultSectionSize(96);
     horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
     horizontalHeader()->setHighlightSections(true);
+    // The corner above the row header names its slots.
+    if (auto* corner = findChild<QAbstractButton*>()) corner->installEventFilter(this);
 }
 
 void GridView::SetGridModel(GridModel* model) {
     model_ = model;
+    filter_ = nullptr;
     setModel(model);
+    if (model) {
+        connect(model, &QAbstractItemModel::headerDataChanged, this,
+                [this](Qt::Orientation o) {
+                    if (o == Qt::Vertical) FollowRowInfo();
+                });
+        FollowRowInfo();
+    }
     // The type column holds the longest texts ("CDMA Cellular (preferred)").
     setColumnWidth(0, 190);
+}
+
+GridFilterModel* GridView::EnableRowFilter() {
+    if (filter_ || !model_) return filter_;
+    filter_ = new GridFilterModel(*model_, this);
+    const int typeWidth = columnWidth(0);
+    setModel(filter_);
+    setColumnWidth(0, typeWidth);
+    return filter_;
+}
+
+void GridView::FollowRowInfo() {
+    auto* header = qobject_cast<RowHeaderView*>(verticalHeader());
+    if (!header || !model_ || header->InfoHeadings() == model_->RowInfoHeadings()) return;
+    header->SetInfoHeadings(model_->RowInfoHeadings());
+    updateGeometries();
+}
+
+bool GridView::eventFilter(QObject* watched, QEvent* event) {
+    auto* header = qobject_cast<RowHeaderView*>(verticalHeader());
+    auto* corner = qobject_cast<QAbstractButton*>(watched);
+    if (event->type() != QEvent::Paint || !corner || !header || header->InfoHeadings().isEmpty())
+        return QTableView::eventFilter(watched, event);
+    QPainter painter(corner);
+    const QList<int> widths = header->SlotWidths();
+    QStringList texts{tr("Row")};
+    texts << header->InfoHeadings();
+    int x = 0;
+    for (int i = 0; i < texts.size() && i < widths.size(); ++i) {
+        QStyleOptionHeader opt;
+        opt.initFrom(corner);
+        opt.rect = QRect(x, 0, i + 1 == texts.size() ? corner->width() - x : widths[i],
+                         corner->height());
+        opt.text = texts[i];
+        opt.textAlignment = Qt::AlignCenter;
+        opt.orientation = Qt::Horizontal;
+        style()->drawControl(QStyle::CE_Header, &opt, &painter, corner);
+        x += widths[i];
+    }
+    return true;
+}
+
+int GridView::CurrentRow() const {
+    const QModelIndex i = ToGrid(currentIndex());
+    return i.isValid() ? i.row() : -1;
+}
+
+QModelIndex GridView::ToGrid(const QModelIndex& viewIndex) const {
+    if (!filter_ || !viewIndex.isValid() || viewIndex.model() != filter_) return viewIndex;
+    return filter_->mapToSource(viewIndex);
+}
+
+QModelIndex GridView::ToView(int column, int row) const {
+    if (!model_) return {};
+    const QModelIndex i = model_->index(row, column);
+    return filter_ ? filter_->mapFromSource(i) : i;
 }
 
 std::vector<int> GridView::SelectedRows() const {
     std::set<int> rows;
     if (selectionModel())
-        for (const QModelIndex& i : selectionModel()->selectedIndexes()) rows.insert(i.row());
-    if (rows.empty() && currentIndex().isValid()) rows.insert(currentIndex().row());
+        for (const QModelIndex& i : selectionModel()->selectedIndexes()) rows.insert(ToGrid(i).row());
+    if (rows.empty() && currentIndex().isValid()) rows.insert(CurrentRow());
     return {rows.begin(), rows.end()};
 }
 
 QString GridView::SelectionText() const {
     if (!model_ || !selectionModel()) return {};
-    const QModelIndexList sel = selectionModel()->selectedIndexes();
+    QModelIndexList sel;
+    for (const QModelIndex& i : selectionModel()->selectedIndexes()) sel << ToGrid(i);
     if (sel.isEmpty()) return {};
     int top = sel.front().row(), bottom = top, left = sel.front().column(), right = left;
     for (const QModelIndex& i : sel) {
@@ -189,8 +264,8 @@ void GridView::Cut() {
 void GridView::ClearSelectedCells() {
     if (!model_ || !selectionModel()) return;
     std::vector<GridModel::CellEdit> edits;
-    for (const QModelIndex& i : selectionModel()->selectedIndexes())
-        if (i.column() > 0) edits.push_back({i.column(), i.row(), {}});
+    for (const QModelIndex& v : selectionModel()->selectedIndexes())
+        if (const QModelIndex i = ToGrid(v); i.column() > 0) edits.push_back({i.column(), i.row(), {}});
     // Emptying a type cell would leave a row with no record: the type stays.
     model_->EditCells(edits, tr("Clear"));
 }
@@ -218,9 +293,10 @@ void GridView::PasteText(const QString& text) {
     if (!model_) return;
     const auto cells = ParseCells(text);
     if (cells.empty()) return;
-    QModelIndex start = currentIndex();
+    QModelIndex start = ToGrid(currentIndex());
     if (selectionModel() && !selectionModel()->selectedIndexes().isEmpty()) {
-        const QModelIndexList sel = selectionModel()->selectedIndexes();
+        QModelIndexList sel;
+        for (const QModelIndex& i : selectionModel()->selectedIndexes()) sel << ToGrid(i);
         start = *std::min_element(
             sel.begin(), sel.end(), [](const QModelIndex& a, const QModelIndex& b) {
                 return std::pair(a.row(), a.column()) < std::pair(b.row(), b.column());
@@ -232,8 +308,10 @@ void GridView::PasteText(const QString& text) {
     std::vector<GridModel::CellEdit> edits;
     const bool single = cells.size() == 1 && cells[0].size() == 1;
     if (single && selectionModel() && selectionModel()->selectedIndexes().size() > 1) {
-        for (const QModelIndex& i : selectionModel()->selectedIndexes())
+        for (const QModelIndex& v : selectionModel()->selectedIndexes()) {
+            const QModelIndex i = ToGrid(v);
             edits.push_back({i.column(), i.row(), cells[0][0]});
+        }
     } else {
         for (size_t r = 0; r < cells.size(); ++r)
             for (size_t c = 0; c < cells[r].size(); ++c)
@@ -254,14 +332,14 @@ void GridView::InsertRowsAtSelection() {
     const int at = rows.empty() ? model_->GetRowCount() : rows.front();
     const int count = rows.empty() ? 1 : static_cast<int>(rows.size());
     model_->InsertRows(at, count, tr("Insert Rows"));
-    setCurrentIndex(model_->index(at, 0));
+    setCurrentIndex(ToView(0, at));
 }
 
 void GridView::AppendRow() {
     if (!model_) return;
     const int at = model_->GetRowCount();
     model_->InsertRows(at, 1, tr("Add Row"));
-    setCurrentIndex(model_->index(at, 0));
+    setCurrentIndex(ToView(0, at));
     scrollTo(currentIndex());
 }
 
@@ -309,7 +387,8 @@ void GridView::CommitPendingEdit() {
 void GridView::FocusCell(int column, int row) {
     if (!model_ || row < 0 || row >= model_->rowCount()) return;
     column = std::clamp(column, 0, std::max(model_->columnCount() - 1, 0));
-    const QModelIndex i = model_->index(row, column);
+    if (filter_) filter_->Reveal(row);
+    const QModelIndex i = ToView(column, row);
     setCurrentIndex(i);
     scrollTo(i);
     setFocus(Qt::OtherFocusReason);
@@ -327,8 +406,13 @@ void GridView::keyPressEvent(QKeyEvent* event) {
 
 void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTableView::currentChanged(current, previous);
-    if (current.row() != previous.row())
-        emit currentRowChanged(current.isValid() ? current.row() : -1);
+    // Under a filter the same view row can be another grid row; `previous` may already be stale,
+    // so the grid row last reported is kept rather than mapped again.
+    const int row = current.isValid() ? ToGrid(current).row() : -1;
+    if (row != lastRow_ || current.row() != previous.row()) {
+        lastRow_ = row;
+        emit currentRowChanged(row);
+    }
 }
 
 }  // namespace Tarn

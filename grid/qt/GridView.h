@@ -9,6 +9,7 @@
 
 namespace Tarn {
 
+class GridFilterModel;
 class GridModel;
 
 // Edits a cell according to its kind: a combo box for a drop-down, a digits-only line for a mask
@@ -37,6 +38,16 @@ public:
 
     void SetGridModel(GridModel* model);
     GridModel* Model() const { return model_; }
+    // Puts a row filter between the grid and the view (once; after SetGridModel). Every call of
+    // this class keeps speaking of the grid's own rows, filtered or not.
+    GridFilterModel* EnableRowFilter();
+    GridFilterModel* Filter() const { return filter_; }
+
+    // The grid row of the cursor, -1 when there is none.
+    int CurrentRow() const;
+    // The grid's index of a view index, and the view index of a grid cell (invalid when hidden).
+    QModelIndex ToGrid(const QModelIndex& viewIndex) const;
+    QModelIndex ToView(int column, int row) const;
 
     // The selected cells as tab/newline text (the bounding rectangle of the selection).
     QString SelectionText() const;
@@ -53,7 +64,8 @@ public:
     void DeleteSelectedRows();
     // Closes an open cell editor, keeping what was typed.
     void CommitPendingEdit();
-    // Moves the cursor to a cell (after a message that names it).
+    // Moves the cursor to a cell (after a message that names it); a row the filter hides is
+    // shown first.
     void FocusCell(int column, int row);
 
     std::vector<int> SelectedRows() const;
@@ -66,14 +78,20 @@ public:
     static std::vector<std::vector<std::string>> ParseCells(const QString& text);
 
 signals:
+    // The grid row of the cursor changed.
     void currentRowChanged(int row);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
 private:
+    void FollowRowInfo();
+
     GridModel* model_ = nullptr;
+    GridFilterModel* filter_ = nullptr;
+    int lastRow_ = -1;
 };
 
 }  // namespace Tarn
