@@ -184,7 +184,9 @@ TEST(WriteLimit, CountAndLengthFieldsRefuseWhatTheyCannotHold) {
         std::vector<uint8_t> bytes;
         std::string error;
         EXPECT_TRUE(c.fits()->Write(bytes, error)) << error;
-        if (c.fitsBytes) EXPECT_EQ(bytes.size(), c.fitsBytes);
+        if (c.fitsBytes) {
+            EXPECT_EQ(bytes.size(), c.fitsBytes);
+        }
         std::vector<uint8_t> none;
         EXPECT_FALSE(c.over()->Write(none, error));
         EXPECT_TRUE(none.empty());
