@@ -1,8 +1,11 @@
-// tarn-cli check: is each file a roaming list we can read, and which version is it.
+// tarn-cli check: is each file one we can read, which kind or version is it, and what the editor
+// would tell the user on opening it.
 #include <iostream>
 
 #include "cli/Command.h"
+#include "formats/ContentSniff.h"
 #include "formats/FileKinds.h"
+#include "foundation/AtomicFile.h"
 #include "foundation/MessageTable.h"
 #include "roaming_list/ConcatPrl.h"
 #include "roaming_list/RLFile.h"
@@ -12,10 +15,15 @@
 namespace Tarn::Cli {
 namespace {
 
-// Any kind but a binary roaming list: read it, then run the checks a save would run.
-bool CheckDocument(const std::string& path) {
+void PrintNotices(const std::string& path, const std::vector<std::string>& notices) {
+    for (const auto& notice : notices) std::cout << path << ": notice: " << notice << '\n';
+}
+
+// Any kind but a binary roaming list, and any file whose content is a JSON or text form: read
+// it, then run the checks a save would run.
+bool CheckDocument(const std::string& path, const std::vector<uint8_t>& bytes) {
     std::string error;
-    auto doc = ReadFileDocument(path, error);
+    auto doc = ReadFileDocumentBytes(bytes, path, error);
     if (!doc) {
         std::cout << path << ": " << error << '\n';
         return false;
@@ -24,19 +32,23 @@ bool CheckDocument(const std::string& path) {
     std::cout << path << ": " << doc->KindName() << (problems.empty() ? ", valid" : ", not valid")
               << '\n';
     for (const auto& p : problems) std::cout << "  " << p.message << '\n';
+    PrintNotices(path, doc->Notices());
     return problems.empty();
 }
 
-// Prints one line per file and reports whether it is valid.
+// Prints one line per file, then its notices, and reports whether it is valid.
 bool CheckOne(const std::string& path) {
-    FileKind kind = KindForOpen(path);
-    if (kind != FileKind::None && kind != FileKind::RoamingList) return CheckDocument(path);
-    CRLFile file;
+    std::vector<uint8_t> bytes;
     std::string error;
-    if (!file.Load(path, error, 1u << 20)) {
+    if (!ReadWholeFile(path, bytes, error)) {
         std::cout << path << ": " << error << '\n';
         return false;
     }
+    FileKind kind = KindForOpen(path);
+    if ((kind != FileKind::None && kind != FileKind::RoamingList) ||
+        SniffContent(bytes) != ContentForm::Binary || !MmssTextTitle(bytes).empty())
+        return CheckDocument(path, bytes);
+    CRLFile file(std::move(bytes));
     DetectResult result = DetectVersion(file);
     size_t firstLength = 0;
     if (!result.manager &&
@@ -62,6 +74,7 @@ bool CheckOne(const std::string& path) {
     // knowing before the list goes to a handset.
     for (const auto& issue : CheckRoamingList(m.GetData(), m.GetVersion()).issues)
         std::cout << "  warning: " << issue.Describe() << '\n';
+    PrintNotices(path, RoamingListNotices(m.GetData()));
     return true;
 }
 

@@ -47,6 +47,7 @@ const CommandRegistrar kInfo(20, "info", [](CLI::App& app) {
         if (!doc) return kExitFailure;
         std::cout << *file << ": " << doc->KindName() << '\n';
         for (const auto& line : doc->Info()) std::cout << "  " << line << '\n';
+        for (const auto& notice : doc->Notices()) std::cout << "  notice: " << notice << '\n';
         return kExitOk;
     });
 });

@@ -53,6 +53,19 @@ public:
     virtual std::vector<std::string> Info() const = 0;
     // The file's bytes as a save would write them; false with a reason when it cannot be written.
     virtual bool Write(std::vector<uint8_t>& bytes, std::string& error) const = 0;
+
+    // What the editor tells the user right after loading (an empty table, bytes skipped, the form
+    // the file was recognised as), in the order it says them; empty when there is nothing to say.
+    std::vector<std::string> Notices() const;
+    // A notice from whoever read the file, said after the document's own.
+    void AddNotice(std::string text) { notices_.push_back(std::move(text)); }
+
+protected:
+    // The document's own notices, found in what it holds.
+    virtual std::vector<std::string> LoadNotices() const { return {}; }
+
+private:
+    std::vector<std::string> notices_;
 };
 
 struct FileKindInfo {
@@ -69,6 +82,9 @@ struct FileKindInfo {
     std::function<std::unique_ptr<FileDocument>(const nlohmann::json& json, const std::string& path,
                                                 std::string& error)>
         fromJson;
+    // The "fileType" values of this kind's JSON form; empty for the roaming list kinds, whose JSON
+    // names no file type.
+    std::vector<std::string> jsonTypes;
 };
 
 // Every kind, in registration order.
@@ -80,13 +96,26 @@ void AddMmssFileKinds(std::vector<FileKindInfo>& kinds);
 // Adds the roaming list kinds (binary and text).
 void AddRoamingListFileKinds(std::vector<FileKindInfo>& kinds);
 
+class CRLData;
+// What the editor says right after opening a roaming list (its empty tables).
+std::vector<std::string> RoamingListNotices(const CRLData& data);
+
 }  // namespace Tarn
 
 namespace Tarn {
 
 // Reads the file at `path` as the kind the editor would open it as (rule B); a path that names
-// no kind is tried as a binary roaming list. Nothing, with one clear line in `error`, when the
-// file cannot be read or is not a valid file of that kind.
+// no kind is tried as a binary roaming list. What the bytes hold overrides the name: a JSON file
+// is read as the kind its JSON describes and the text form of a roaming list as that form, each
+// with a notice saying so; the text rendering of an MMSS file is refused by name. Nothing, with
+// one clear line in `error`, when the file cannot be read or is not a valid file of that kind.
 std::unique_ptr<FileDocument> ReadFileDocument(const std::string& path, std::string& error);
+// The same over bytes already in memory; `path` decides the kind as above.
+std::unique_ptr<FileDocument> ReadFileDocumentBytes(const std::vector<uint8_t>& bytes,
+                                                    const std::string& path, std::string& error);
+// Builds a document from the JSON form of any kind: the kind its "fileType" names, else a
+// roaming list (binary, or its text form when `path` names one).
+std::unique_ptr<FileDocument> ReadJsonDocument(const nlohmann::json& json, const std::string& path,
+                                               std::string& error);
 
 }  // namespace Tarn

@@ -115,6 +115,9 @@ public:
         return true;
     }
 
+protected:
+    std::vector<std::string> LoadNotices() const override { return RoamingListNotices(*data_); }
+
 private:
     std::unique_ptr<CRLData> data_;
     int version_;
@@ -166,17 +169,28 @@ std::unique_ptr<FileDocument> FromJson(const nlohmann::json& json, bool text, st
 
 }  // namespace
 
+std::vector<std::string> RoamingListNotices(const CRLData& data) {
+    // The editor says these after opening a list, as errors: a table that is empty cannot be
+    // saved as it stands.
+    std::vector<std::string> notices;
+    if (data.GetAcqTable().GetSize() == 0) notices.push_back(FormatMessage(Msg::NoAcqRecordsInFile));
+    if (data.GetSysTable().GetSize() == 0) notices.push_back(FormatMessage(Msg::NoSysRecordsInFile));
+    return notices;
+}
 
 void AddRoamingListFileKinds(std::vector<FileKindInfo>& kinds) {
     kinds.push_back({FileKind::RoamingList, "Roaming List", {"prl", "rl*", "bin", "hin", "hrl"},
                      "Roaming Lists (*.prl,*.rl*,*.bin,*.hin,*.hrl)", ReadBinary,
                      [](const nlohmann::json& j, const std::string&, std::string& error) {
                          return FromJson(j, false, error);
-                     }});
+                     },
+                     {}});
     kinds.push_back({FileKind::RoamingListText, "Roaming List Text", {"txt"}, "Text Files (*.txt)",
-                     ReadText, [](const nlohmann::json& j, const std::string&, std::string& error) {
+                     ReadText,
+                     [](const nlohmann::json& j, const std::string&, std::string& error) {
                          return FromJson(j, true, error);
-                     }});
+                     },
+                     {}});
 }
 
 }  // namespace Tarn

@@ -1,4 +1,5 @@
-// Arbitrary bytes as a binary roaming list: version detection must never crash, and whatever a
+// Arbitrary bytes as a binary roaming list, as they are and sealed with a size and CRC that hold
+// (so mutations reach the record readers): version detection must never crash, and whatever a
 // manager reads it must write back as a list that the same version validates, reads and writes
 // again to the very same bytes.
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/Seal.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
 
@@ -18,21 +20,17 @@ namespace {
     std::abort();
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    // A list's size field is 16 bits and a prefix adds 5 bytes: longer input is refused whole.
-    if (size > 0xFFFF + 5) return 0;
-    Tarn::CRLFile input(std::vector<uint8_t>(data, data + size));
+void Run(std::vector<uint8_t> bytes) {
+    Tarn::CRLFile input(std::move(bytes));
     Tarn::DetectResult detected = Tarn::DetectVersion(input);
-    if (!detected.manager) return 0;
+    if (!detected.manager) return;
 
     Tarn::CRLManager& manager = *detected.manager;
     const int version = manager.GetVersion();
     Tarn::CRLFile written;
     // A list can read fine and still hold values the writer's checks refuse; that is a refusal
     // with a reason, not a fault.
-    if (!manager.WriteList(written)) return 0;
+    if (!manager.WriteList(written)) return;
 
     auto again = Tarn::CreateClassFactory(version)->CreateManager();
     if (!again->ValidateFile(written))
@@ -48,5 +46,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Fail("re-read list does not write", version, again->GetLastError());
     if (rewritten.Bytes() != written.Bytes())
         Fail("second write differs from the first", version, "");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    // A list's size field is 16 bits and a prefix adds 5 bytes: longer input is refused whole.
+    if (size > 0xFFFF + 5) return 0;
+    Run(std::vector<uint8_t>(data, data + size));
+    if (size + 2 <= 0xFFFF) Run(Tarn::Fuzz::Sealed(std::vector<uint8_t>(data, data + size)));
     return 0;
 }

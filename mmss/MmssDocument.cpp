@@ -23,6 +23,12 @@ bool Document::Write(std::vector<uint8_t>& bytes, std::string& error) const {
     return false;
 }
 
+std::string Document::LoadNotice() const {
+    std::string text;
+    for (const auto& notice : Notices()) text += (text.empty() ? "" : "\n") + notice;
+    return text;
+}
+
 std::vector<CheckProblem> Document::Problems(const std::vector<std::string>& messages) {
     std::vector<CheckProblem> problems;
     problems.reserve(messages.size());

@@ -16,9 +16,9 @@ public:
     // Refuses with the first problem of Check(), else writes the bytes the way the editor saves.
     bool Write(std::vector<uint8_t>& bytes, std::string& error) const final;
 
-    // What the editor tells the user right after loading (an empty table, for instance); empty
-    // when there is nothing to say.
-    virtual std::string LoadNotice() const { return {}; }
+    // The notices as the editor shows them after loading, in one box: one a line; empty when
+    // there is nothing to say.
+    std::string LoadNotice() const;
 
 protected:
     // Writes header and body into a fresh stream.

@@ -38,6 +38,7 @@ FileKindInfo MakeKind(FileKind kind, std::string name, std::vector<std::string> 
     info.name = std::move(name);
     info.extensions = std::move(extensions);
     info.filter = std::move(filter);
+    info.jsonTypes = jsonNames;
     info.read = [](const Bytes& bytes, const std::string&, std::string& error) {
         return Mmss::Guarded([&]() -> DocPtr { return Doc::FromBytes(bytes); }, error);
     };
@@ -59,6 +60,7 @@ FileKindInfo PlmnKind() {
     info.name = "PLMN";
     info.extensions = {"ehplmn", "oplmn", "uplmn"};
     info.filter = "Plmn Files (*.ehplmn, *.oplmn, *.uplmn)";
+    info.jsonTypes = {"EHPLMN", "OPLMN", "UPLMN"};
     info.read = [](const Bytes& bytes, const std::string& path, std::string& error) {
         return Mmss::Guarded([&]() -> DocPtr { return Plmn::Document::FromBytes(bytes, path); },
                              error);

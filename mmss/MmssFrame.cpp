@@ -57,10 +57,21 @@ uint32_t PadBody(CRLFile& file, uint64_t bodyBits) {
     return static_cast<uint32_t>(file.PadToByte(bodyBits));
 }
 
-void PatchSizeWord(CRLFile& file, uint64_t totalBits) {
+void PatchSizeWord(CRLFile& file, uint64_t totalBits, const char* kind) {
+    const uint64_t bytes = totalBits / 8;
+    if (bytes > kMaxSizeWordBytes)
+        throw FormatError(std::string("The ") + kind + " would be " + GroupedNumber(bytes) +
+                          " bytes; its 16-bit size field holds at most " +
+                          GroupedNumber(kMaxSizeWordBytes) + ".");
     file.Seek(0);
     file.SetBitOffset(0);
-    file.WriteBits(16, static_cast<uint32_t>((totalBits / 8) & 0xFFFF));
+    file.WriteBits(16, static_cast<uint32_t>(bytes));
+}
+
+std::string GroupedNumber(uint64_t value) {
+    std::string digits = std::to_string(value);
+    for (size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, ",");
+    return digits;
 }
 
 long long ParseDecimal(const std::string& text) {

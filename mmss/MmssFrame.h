@@ -47,8 +47,13 @@ uint32_t WriteRecordList(CRLFile& file, const CRLItemList& list);
 
 // Zero bits after a body of `bodyBits` up to a whole byte; returns the pad width.
 uint32_t PadBody(CRLFile& file, uint64_t bodyBits);
-// Stores the file length (`totalBits` / 8) in the 16-bit size word at byte 0.
-void PatchSizeWord(CRLFile& file, uint64_t totalBits);
+// Stores the file length (`totalBits` / 8) in the 16-bit size word at byte 0. A longer file is
+// refused with FormatError naming `kind`, the size and the limit: a wrapped size word would hand
+// a handset a file that says it ends long before it does.
+inline constexpr uint64_t kMaxSizeWordBytes = 0xFFFF;
+void PatchSizeWord(CRLFile& file, uint64_t totalBits, const char* kind);
+// "65,535": byte counts in messages, grouped by thousands.
+std::string GroupedNumber(uint64_t value);
 
 // Header strings are what the user typed; they become numbers only when written. Parsing is the
 // plain C kind: leading blanks, a sign, then digits up to the first other character; no digits

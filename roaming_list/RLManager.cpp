@@ -187,7 +187,8 @@ bool CRLManager::WriteList(CRLFile& file) {
     total += WriteAcqTable(file);
     total += WriteSysTable(file);
     if ((total + 7) / 8 + 2 > 0xFFFF) {
-        lastError_ = "The list is larger than the 65,535 bytes its size field can hold.";
+        lastError_ = "The list would be " + std::to_string((total + 7) / 8 + 2) +
+                     " bytes; its 16-bit size field holds at most 65,535.";
         file.SetLength(0);
         return false;
     }

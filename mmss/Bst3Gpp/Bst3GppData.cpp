@@ -56,8 +56,13 @@ uint32_t Entry::LengthAfterLengthField() const {
 }
 
 uint32_t Entry::Write(CRLFile& file) const {
+    if (LengthAfterLengthField() > Mmss::kMaxSizeWordBytes)
+        throw Mmss::FormatError("A BST entry would be " +
+                                Mmss::GroupedNumber(LengthAfterLengthField()) +
+                                " bytes long; its 16-bit length field holds at most " +
+                                Mmss::GroupedNumber(Mmss::kMaxSizeWordBytes) + ".");
     file.WriteBits(8, static_cast<uint32_t>(Mmss::ParseDecimal(type)) & 0xFFu);
-    file.WriteBits(16, LengthAfterLengthField() & 0xFFFFu);
+    file.WriteBits(16, LengthAfterLengthField());
     file.WriteBits(8, static_cast<uint32_t>(Mmss::ParseDecimal(extension)) & 0xFFu);
     uint32_t bits = 40;
     if (mcc.empty()) {
@@ -82,12 +87,18 @@ std::string Entry::Check(int tab) const {
     for (const auto& record : records)
         if (static_cast<const Record&>(*record).bandChannelType != 1)
             return "Invalid Band Channel Type. Should be Type1 only";
+    for (const auto& record : records)
+        if (std::string problem = static_cast<const Record&>(*record).SizeProblem();
+            !problem.empty())
+            return "Tab " + std::to_string(tab) + ": " + problem;
     if (records.GetSize() > Mmss::kMaxListRecords)
         return "Tab " + std::to_string(tab) + " holds " + std::to_string(records.GetSize()) +
                " records; at most 255 fit in the file.";
-    if (LengthAfterLengthField() > 65535)
-        return "The entry in Tab " + std::to_string(tab) +
-               " is longer than 65535 bytes; remove channels or records.";
+    if (LengthAfterLengthField() > Mmss::kMaxSizeWordBytes)
+        return "The entry in Tab " + std::to_string(tab) + " would be " +
+               Mmss::GroupedNumber(LengthAfterLengthField()) +
+               " bytes long; its 16-bit length field holds at most " +
+               Mmss::GroupedNumber(Mmss::kMaxSizeWordBytes) + ": remove channels or records.";
     return {};
 }
 

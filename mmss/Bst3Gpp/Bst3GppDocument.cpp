@@ -77,8 +77,9 @@ std::vector<std::string> Document::Info() const {
             "Records: " + std::to_string(data.RecordCount())};
 }
 
-std::string Document::LoadNotice() const {
-    return data.RecordCount() == 0 ? FormatMessage(Msg::NoBstRecordsInFile) : std::string();
+std::vector<std::string> Document::LoadNotices() const {
+    if (data.RecordCount() == 0) return {FormatMessage(Msg::NoBstRecordsInFile)};
+    return {};
 }
 
 unsigned Document::SaveFailedMessage() const {

@@ -32,9 +32,9 @@ public:
     void ToJson(nlohmann::json& out) const override;
     std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
-    std::string LoadNotice() const override;
 
 protected:
+    std::vector<std::string> LoadNotices() const override;
     void Save(CRLFile& file) const override { SaveFile(file, header, data); }
     unsigned SaveFailedMessage() const override;
 };

@@ -65,6 +65,21 @@ uint32_t Record::BandListBytes() const {
     return bytes;
 }
 
+std::string Record::SizeProblem() const {
+    if (bands.size() > 255)
+        return "A record holds " + std::to_string(bands.size()) +
+               " bands; at most 255 fit in the file.";
+    for (const auto& band : bands)
+        if (band.channels.size() > 255)
+            return "Band " + std::to_string(band.bandId) + " holds " +
+                   std::to_string(band.channels.size()) + " channels; at most 255 fit in the file.";
+    if (BandListBytes() > Mmss::kMaxSizeWordBytes)
+        return "A record's band list would be " + Mmss::GroupedNumber(BandListBytes()) +
+               " bytes; its 16-bit length field holds at most " +
+               Mmss::GroupedNumber(Mmss::kMaxSizeWordBytes) + ".";
+    return {};
+}
+
 uint32_t Record::WrittenBits() const {
     return bandChannelType == 1 ? 32 + 8 * BandListBytes() : 8;
 }
@@ -95,6 +110,11 @@ uint32_t Record::Read(CRLFile& file) {
 }
 
 uint32_t Record::Write(CRLFile& file) const {
+    // The counts and the length are stored in 8 and 16 bits; more would be written wrapped and
+    // the handset would read a different list of bands.
+    if (bandChannelType == 1) {
+        if (std::string problem = SizeProblem(); !problem.empty()) throw Mmss::FormatError(problem);
+    }
     file.WriteBits(8, ratId);
     if (bandChannelType != 1) return 8;
     file.WriteBits(8, 1);

@@ -55,6 +55,9 @@ public:
     // Bits that Write produces, and the band list length it stores.
     uint32_t WrittenBits() const;
     uint32_t BandListBytes() const;
+    // Why Write would refuse this record (too many bands or channels, a band list longer than
+    // its length field holds); empty when it fits.
+    std::string SizeProblem() const;
     std::string RatIdText() const;
 
     uint8_t ratId = 9;

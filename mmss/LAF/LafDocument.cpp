@@ -54,6 +54,21 @@ std::vector<std::string> LafDocument::Info() const {
     return {"Records: " + std::to_string(data.records.GetSize())};
 }
 
+std::vector<std::string> LafDocument::LoadNotices() const {
+    std::vector<std::string> notices;
+    if (data.skippedBom)
+        notices.push_back("The file starts with a UTF-8 byte order mark (EF BB BF), which was "
+                          "skipped; a save does not write it.");
+    if (data.skippedEofBytes == 1)
+        notices.push_back("The file ends in an end-of-file byte (1A), which was skipped; a save "
+                          "does not write it.");
+    else if (data.skippedEofBytes > 1)
+        notices.push_back("The file ends in " + std::to_string(data.skippedEofBytes) +
+                          " end-of-file bytes (1A), which were skipped; a save does not write "
+                          "them.");
+    return notices;
+}
+
 void LafDocument::Save(CRLFile& file) const {
     LafTextOutFile sink(file);
     data.Write(sink);

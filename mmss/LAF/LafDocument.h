@@ -28,6 +28,8 @@ public:
     std::vector<std::string> Info() const override;
 
 protected:
+    // The bytes the reader skipped around the text: a save does not write them back.
+    std::vector<std::string> LoadNotices() const override;
     void Save(CRLFile& file) const override;
     unsigned SaveFailedMessage() const override;
 };

@@ -83,8 +83,9 @@ std::vector<std::string> Document::Info() const {
             "Location tags: " + std::to_string(tags)};
 }
 
-std::string Document::LoadNotice() const {
-    return data.records.empty() ? FormatMessage(Msg::NoMlplRecordsInFile) : std::string();
+std::vector<std::string> Document::LoadNotices() const {
+    if (data.records.empty()) return {FormatMessage(Msg::NoMlplRecordsInFile)};
+    return {};
 }
 
 unsigned Document::SaveFailedMessage() const {

@@ -111,7 +111,7 @@ void SaveFile(CRLFile& file, const Header& header, const Data& data) {
     file.SetBitOffset(0);
     uint64_t total = header.Write(file);
     total += data.Write(file);
-    Mmss::PatchSizeWord(file, total);
+    Mmss::PatchSizeWord(file, total, "MSPL");
 }
 
 }  // namespace Tarn::Mspl

@@ -31,9 +31,9 @@ public:
     // Header, then the identifiers tab by tab, then "needs at least one Mspl record".
     std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
-    std::string LoadNotice() const override;
 
 protected:
+    std::vector<std::string> LoadNotices() const override;
     void Save(CRLFile& file) const override { SaveFile(file, header, data); }
     unsigned SaveFailedMessage() const override;
 };

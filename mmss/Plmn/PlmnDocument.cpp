@@ -63,9 +63,11 @@ void Document::ToJson(nlohmann::json& out) const {
 std::vector<CheckProblem> Document::Check() const {
     std::vector<std::string> problems;
     if (data.records.IsEmpty()) problems.push_back(FormatMessage(Msg::NeedOnePlmnRecord));
-    if (static_cast<uint64_t>(data.records.GetSize()) * RecordBytes(data.listKind) > 65535)
+    if (data.FileBytes() > Mmss::kMaxSizeWordBytes)
         problems.push_back("The list holds " + std::to_string(data.records.GetSize()) +
-                           " records; a PLMN file of more than 65535 bytes cannot be read back.");
+                           " records, " + Mmss::GroupedNumber(data.FileBytes()) +
+                           " bytes; a PLMN list file holds at most " +
+                           Mmss::GroupedNumber(Mmss::kMaxSizeWordBytes) + ".");
     return Problems(problems);
 }
 
@@ -73,8 +75,16 @@ std::vector<std::string> Document::Info() const {
     return {"File type: " + KindName(), "Records: " + std::to_string(data.records.GetSize())};
 }
 
-std::string Document::LoadNotice() const {
-    return data.records.IsEmpty() ? FormatMessage(Msg::NoPlmnRecordsInFile) : std::string();
+std::vector<std::string> Document::LoadNotices() const {
+    std::vector<std::string> notices;
+    if (data.records.IsEmpty()) notices.push_back(FormatMessage(Msg::NoPlmnRecordsInFile));
+    if (data.ignoredBytes > 0)
+        notices.push_back(
+            "The last " + std::to_string(data.ignoredBytes) +
+            (data.ignoredBytes == 1 ? " byte does" : " bytes do") +
+            " not make a whole record and " + (data.ignoredBytes == 1 ? "was" : "were") +
+            " ignored; a save does not write " + (data.ignoredBytes == 1 ? "it." : "them."));
+    return notices;
 }
 
 unsigned Document::SaveFailedMessage() const {

@@ -34,9 +34,9 @@ public:
     void ToJson(nlohmann::json& out) const override;
     std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
-    std::string LoadNotice() const override;
 
 protected:
+    std::vector<std::string> LoadNotices() const override;
     void Save(CRLFile& file) const override { data.Write(file); }
     unsigned SaveFailedMessage() const override;
 };

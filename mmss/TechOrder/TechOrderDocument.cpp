@@ -59,8 +59,9 @@ std::vector<std::string> Document::Info() const {
     return {"Version: " + header.version, "Records: " + std::to_string(data.records.GetSize())};
 }
 
-std::string Document::LoadNotice() const {
-    return data.records.IsEmpty() ? FormatMessage(Msg::NoTotRecordsInFile) : std::string();
+std::vector<std::string> Document::LoadNotices() const {
+    if (data.records.IsEmpty()) return {FormatMessage(Msg::NoTotRecordsInFile)};
+    return {};
 }
 
 unsigned Document::SaveFailedMessage() const {

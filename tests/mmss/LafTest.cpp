@@ -58,6 +58,57 @@ TEST(Laf, EmptyLinesAreSkippedWhateverTheLineEnds) {
     EXPECT_EQ(error, "A valid Roaming List needs at least one LAF record.");
 }
 
+TEST(Laf, ByteOrderMarkAndEndOfFileBytesOpenWithANoticeOtherBytesAreRefused) {
+    const std::string line = "SID=1,NID=2,BID=3,CNT=4\r\n";
+    const std::string bom = "The file starts with a UTF-8 byte order mark (EF BB BF), which was "
+                            "skipped; a save does not write it.";
+    const std::string eof = "The file ends in an end-of-file byte (1A), which was skipped; a save "
+                            "does not write it.";
+    struct Case {
+        const char* what;
+        std::string bytes;
+        std::vector<std::string> notices;
+        std::string refusal;  // empty: the file opens, and writes `line` back when it has a record
+    };
+    const Case cases[] = {
+        {"plain", line, {}, ""},
+        {"BOM", "\xEF\xBB\xBF" + line, {bom}, ""},
+        {"end-of-file byte", line + "\x1A", {eof}, ""},
+        {"both, no final line end", "\xEF\xBB\xBF" + line.substr(0, line.size() - 2) + "\x1A",
+         {bom, eof}, ""},
+        {"three end-of-file bytes", line + "\x1A\x1A\x1A",
+         {"The file ends in 3 end-of-file bytes (1A), which were skipped; a save does not write "
+          "them."},
+         ""},
+        {"BOM alone", "\xEF\xBB\xBF", {bom}, ""},
+        {"end-of-file byte inside", "\x1A" + line, {},
+         "This is not an LTE available file: byte 0 (0x1A) is not text."},
+        {"BOM not at the start", line + "\xEF\xBB\xBF",
+         {}, "This is not an LTE available file: byte 25 (0xEF) is not text."},
+        {"NUL after a BOM", "\xEF\xBB\xBF" + line + std::string(1, '\0'), {},
+         "This is not an LTE available file: byte 28 (0x00) is not text."},
+        {"DEL", "SID=1\x7F", {}, "This is not an LTE available file: byte 5 (0x7F) is not text."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::unique_ptr<LAF::LafDocument> doc;
+        try {
+            doc = LAF::LafDocument::FromBytes(Bytes(c.bytes));
+        } catch (const std::exception& e) {
+            EXPECT_EQ(e.what(), c.refusal);
+            continue;
+        }
+        ASSERT_TRUE(c.refusal.empty()) << "opened a file it should refuse";
+        EXPECT_EQ(doc->Notices(), c.notices);
+        if (!doc->data.records.IsEmpty()) {
+            std::vector<uint8_t> written;
+            std::string error;
+            ASSERT_TRUE(doc->Write(written, error)) << error;
+            EXPECT_EQ(written, Bytes(line));
+        }
+    }
+}
+
 TEST(Laf, RecordWritesItsLineWithCrLf) {
     LAF::LafRecord r;
     r.sid = 4096;

@@ -53,7 +53,7 @@ TEST(MmssFrame, BodyPadAndSizeWord) {
     file.WriteBits(17, 0x1FFFF);
     EXPECT_EQ(Mmss::PadBody(file, 17), 7u);
     EXPECT_EQ(Mmss::PadBody(file, 24), 0u);
-    Mmss::PatchSizeWord(file, 24);
+    Mmss::PatchSizeWord(file, 24, "MSPL");
     EXPECT_EQ(file.Bytes(), (std::vector<uint8_t>{0x00, 0x03, 0x80}));
 }
 

@@ -62,6 +62,26 @@ TEST(Plmn, RecordCountComesFromTheLengthAndTheKind) {
     EXPECT_EQ(Plmn::Document::FromBytes(seven, "a.uplmn")->data.records.GetSize(), 1u);
     EXPECT_THROW(Plmn::Document::FromBytes(seven, "a.plmn"), std::exception) << "no kind";
     EXPECT_THROW(Plmn::Document::FromBytes(Hex("13 F0 10 00"), "a.oplmn"), std::exception);
+
+    // Bytes short of a record are said, not silently dropped.
+    EXPECT_TRUE(Plmn::Document::FromBytes(Hex("13 F0 10"), "a.ehplmn")->Notices().empty());
+    EXPECT_EQ(Plmn::Document::FromBytes(seven, "a.ehplmn")->Notices(),
+              std::vector<std::string>{"The last 1 byte does not make a whole record and was "
+                                       "ignored; a save does not write it."});
+    EXPECT_EQ(Plmn::Document::FromBytes(seven, "a.uplmn")->Notices(),
+              std::vector<std::string>{"The last 2 bytes do not make a whole record and were "
+                                       "ignored; a save does not write them."});
+
+    // The length is a 16-bit value: a longer file would wrap and lose its records.
+    std::vector<uint8_t> whole(65535, 0x11);
+    EXPECT_EQ(Plmn::Document::FromBytes(whole, "a.ehplmn")->data.records.GetSize(), 21845u);
+    whole.resize(65538, 0x11);
+    try {
+        Plmn::Document::FromBytes(whole, "a.ehplmn");
+        ADD_FAILURE() << "a file over 65,535 bytes opened";
+    } catch (const std::exception& e) {
+        EXPECT_STREQ(e.what(), "The file is 65,538 bytes; a PLMN list file holds at most 65,535.");
+    }
 }
 
 TEST(Plmn, AccessTechnologyBytes) {
