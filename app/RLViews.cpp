@@ -276,11 +276,9 @@ void CRecordTableView::UpdateTitle() {
 CAcqView::CAcqView(CRLDoc& doc, QWidget* parent)
     : CRecordTableView(doc, CRLDoc::Table::Acq, tr("Acquisition Table"), parent) {}
 
-CSysView::CSysView(CRLDoc& doc, QWidget* parent)
-    : CRecordTableView(doc, CRLDoc::Table::Sys, tr("System Table"), parent) {
-    ShowOperatorColumns(doc, doc.Grid(CRLDoc::Table::Sys), this);
 CSysView::CSysView(CRLDoc& doc, CListFacts& facts, QWidget* parent)
     : CRecordTableView(doc, CRLDoc::Table::Sys, tr("System Table"), parent) {
+    ShowOperatorColumns(doc, doc.Grid(CRLDoc::Table::Sys), this);
     filter_ = new FilterBar(facts, *Grid(), this);
     Layout()->insertWidget(1, filter_);
 }

@@ -356,8 +356,6 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
         return a.info;
     }
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
-    if (orientation == Qt::Vertical) return QString::number(section);
-    if (IsAnnotationColumn(section)) return annotationTitles_[section - visibleColumns_];
     if (orientation == Qt::Vertical) {
         if (role == Qt::ToolTipRole && !infoHeadings_.isEmpty() && section >= 0 &&
             static_cast<size_t>(section) < annotations_.size()) {
@@ -369,6 +367,7 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
         }
         return QString::number(section);
     }
+    if (IsAnnotationColumn(section)) return annotationTitles_[section - visibleColumns_];
     const std::string heading = grid_.GetColumnHeading(section);
     if (role == Qt::ToolTipRole)
         return heading.empty()
