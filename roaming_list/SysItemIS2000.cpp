@@ -172,7 +172,8 @@ void CSysItemIS2000::TypeFromText(const std::vector<std::string>& tokens) {
     sid_ = static_cast<uint16_t>(TextNumber(tokens[0], kMaxSid, "SID"));
     const unsigned nid = TextNumber(tokens[1], 65535, "NID");
     if (tokens.size() == 3) {
-        nidIncl_ = static_cast<uint8_t>(TextNumber(tokens[2], 2, "NID_INCL"));
+        // 3 is reserved; a list that holds it keeps it, as the binary reader does.
+        nidIncl_ = static_cast<uint8_t>(TextNumber(tokens[2], 3, "NID_INCL"));
         if (nidIncl_ != 1 && nid != ImpliedNid(nidIncl_))
             ThrowText("NID " + std::to_string(nid) + " is not the one NID_INCL " +
                       std::to_string(nidIncl_) + " stands for");
@@ -196,7 +197,8 @@ void CSysItemIS2000::TypeFromJson(const nlohmann::json& in) {
 
 void CSysItemIS2000::ReadNidJson(const nlohmann::json& in) {
     if (in.contains("nidIncl")) {
-        nidIncl_ = static_cast<uint8_t>(JsonNumber(in, "nidIncl", 2, true));
+        // 3 is reserved; a list that holds it keeps it, as the binary reader does.
+        nidIncl_ = static_cast<uint8_t>(JsonNumber(in, "nidIncl", 3, true));
         nid_ = nidIncl_ == 1 ? static_cast<uint16_t>(JsonNumber(in, "nid", 65535, true))
                              : ImpliedNid(nidIncl_);
         return;

@@ -126,6 +126,26 @@ TEST(SysItemJson, EveryRecordComesBackFromItsJsonWithTheSameBytes) {
     }
 }
 
+TEST(SysItemIS2000, TheReservedNidInclusionCodeSurvivesTextAndJson) {
+    // The first sample with NID_INCL 3, a reserved code the binary reader keeps: NID not stored.
+    const SysSamples::Sample reserved{"NID_INCL 3", 1, {0x00, 0x03, 0xD0, 0x18, 0x08}, 37};
+    auto item = SysSamples::ReadSample(reserved);
+    const auto* is2000 = dynamic_cast<const CSysItemIS2000*>(item.get());
+    ASSERT_NE(is2000, nullptr);
+    ASSERT_EQ(is2000->GetNidIncl(), 3u);
+    EXPECT_FALSE(item->IsValid());  // a check still names it
+
+    auto viaText = CreateSysItem(0, 1);
+    viaText->FromText(Tokens(item->ToText()));
+    EXPECT_EQ(SysSamples::WriteOne(*viaText, 1), reserved.bytes);
+
+    json out = json::object();
+    item->ToJson(out);
+    auto viaJson = CreateSysItem(0, 1);
+    viaJson->FromJson(json::parse(out.dump()));
+    EXPECT_EQ(SysSamples::WriteOne(*viaJson, 1), reserved.bytes) << out.dump();
+}
+
 TEST(SysItemJson, KeysAndNamesOfAShortRecord) {
     auto item = SysSamples::ReadSample(Find("short preferred, NID not stored"));
     json out = json::object();
