@@ -145,7 +145,7 @@ std::string Coverage::ToText() const {
         else
             out += ", ";
         out += std::to_string(r.first);
-        if (r.last != r.first) out += "-" + std::to_string(r.last);
+        if (r.last != r.first) out.append("-").append(std::to_string(r.last));
     }
     return out;
 }

@@ -231,7 +231,7 @@ std::string RangesText(const RangeSet& ranges) {
         else
             text += ", ";
         text += std::to_string(r.first);
-        if (r.last != r.first) text += "-" + std::to_string(r.last);
+        if (r.last != r.first) text.append("-").append(std::to_string(r.last));
     }
     return text;
 }

@@ -70,7 +70,7 @@ std::string SystemIdentityKey(const CSysItem& record) {
             // A type the editor does not model is known only by its bytes.
             const auto& r = static_cast<const CSysItemSpecial&>(record);
             std::string key = "type " + std::to_string(r.GetSysType()) + " bytes";
-            for (uint8_t b : r.GetData()) key += " " + std::to_string(b);
+            for (uint8_t b : r.GetData()) key.append(" ").append(std::to_string(b));
             return key;
         }
     }

@@ -273,7 +273,7 @@ std::string FormatSelectionLine(const SelectionResult& r) {
     line += ", roaming indicator " + (r.roamInd ? std::to_string(*r.roamInd) : std::string("none"));
     if (!r.morePreferred.empty()) {
         line += ", more preferred:";
-        for (const auto& s : r.morePreferred) line += " " + std::to_string(s.index);
+        for (const auto& s : r.morePreferred) line.append(" ").append(std::to_string(s.index));
     }
     return line;
 }

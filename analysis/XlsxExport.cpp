@@ -64,8 +64,9 @@ lxw_error WriteSheet(lxw_workbook* book, const ExchangeTable& table, const Forma
 bool WriteListXlsx(const ListTables& tables, const std::string& path, std::string& error) {
     const fs::path target(path);
     std::random_device random;
-    const fs::path temp = target.parent_path() /
-                          ("." + target.filename().string() + ".tmp" + std::to_string(random()));
+    std::string tempName = ".";
+    tempName.append(target.filename().string()).append(".tmp").append(std::to_string(random()));
+    const fs::path temp = target.parent_path() / tempName;
     lxw_workbook* book = workbook_new(temp.c_str());
     if (!book) {
         error = path + ": cannot create the workbook";
