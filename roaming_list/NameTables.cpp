@@ -16,6 +16,12 @@ std::string CNameList::GetName(int value) const {
     return kInvalidName;
 }
 
+std::string_view CNameList::NameView(int value) const {
+    for (const auto& e : entries_)
+        if (e.first == value) return e.second;
+    return kInvalidName;
+}
+
 bool CNameList::HasValue(int value) const {
     for (const auto& e : entries_)
         if (e.first == value) return true;

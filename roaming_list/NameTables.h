@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,8 @@ public:
 
     // The name of a value, or "Invalid" when the list has none.
     std::string GetName(int value) const;
+    // The same without a copy, for the text renderer.
+    std::string_view NameView(int value) const;
     bool HasValue(int value) const;
     // The value of a name; an unknown name raises the list's data error.
     int GetValue(const std::string& name) const;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "grid/Grid.h"
+#include "roaming_list/RLFile.h"
 
 namespace Tarn {
 
@@ -56,12 +57,13 @@ std::unique_ptr<CRLItem> CRLItemList::ReplaceAt(size_t index, std::unique_ptr<CR
     return item;
 }
 
-uint32_t CRLItemList::Read(CRLFile& file, CReadHelper& helper) {
+uint32_t CRLItemList::Read(CRLFile& file, CReadHelper& helper, uint64_t stopBit) {
     uint32_t total = 0;
     for (uint32_t i = 0; i < announced_; ++i) {
         std::unique_ptr<CRLItem> item = helper.CreateItem(file);
         if (!item) return 0;
         total += item->Read(file);
+        if (file.GetPosition() * 8 + file.GetBitOffset() > stopBit) return 0;
         if (auto replacement = item->GetReplacement()) item = std::move(replacement);
         items_.push_back(std::move(item));
     }

@@ -46,6 +46,8 @@ public:
     // and type code.
     virtual std::string ToText() const;
     virtual void FromText(const std::vector<std::string>& tokens);
+    // ToText appended to `out`; records of large tables render straight into the whole text.
+    virtual void AppendText(std::string& out) const { out += ToText(); }
 
     // JSON form: the record's fields as one object (the caller adds what identifies the record).
     virtual void ToJson(nlohmann::json& out) const;
@@ -86,8 +88,9 @@ public:
     void Clear() { items_.clear(); }
 
     // Reads the announced number of records through `helper`. Stops and reports 0 bits when the
-    // helper gives no record (the records read so far are kept).
-    uint32_t Read(CRLFile& file, CReadHelper& helper);
+    // helper gives no record (the records read so far are kept), or when a record ends beyond
+    // bit `stopBit` of the file.
+    uint32_t Read(CRLFile& file, CReadHelper& helper, uint64_t stopBit = UINT64_MAX);
     // Writes every record in order; the sum of their bits.
     uint32_t Write(CRLFile& file) const;
 

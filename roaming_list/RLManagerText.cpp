@@ -1,6 +1,8 @@
 #include "roaming_list/RLManagerText.h"
 
 #include <cctype>
+#include <charconv>
+#include <cstring>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -135,17 +137,28 @@ Header ScanHeader(LineReader& reader) {
     return h;
 }
 
-std::vector<std::string> Tokens(std::string_view line) {
-    std::vector<std::string> tokens;
-    size_t pos = 0;
-    while (pos <= line.size()) {
-        size_t end = line.find('\t', pos);
-        if (end == std::string_view::npos) end = line.size();
-        const std::string_view token = Trim(line.substr(pos, end - pos));
-        if (!token.empty()) tokens.emplace_back(token);
-        pos = end + 1;
+// Refills `tokens`; the vector and its strings are reused from line to line, so a table of
+// thousands of lines is read without allocating per line.
+void Tokens(std::string_view line, std::vector<std::string>& tokens) {
+    size_t count = 0;
+    const char* p = line.data();
+    const char* const end = p + line.size();
+    while (true) {
+        const char* stop =
+            static_cast<const char*>(std::memchr(p, '\t', static_cast<size_t>(end - p)));
+        if (stop == nullptr) stop = end;
+        const std::string_view token = Trim(std::string_view(p, static_cast<size_t>(stop - p)));
+        if (!token.empty()) {
+            if (count < tokens.size())
+                tokens[count].assign(token);
+            else
+                tokens.emplace_back(token);
+            ++count;
+        }
+        if (stop == end) break;
+        p = stop + 1;
     }
-    return tokens;
+    tokens.resize(count);
 }
 
 // The title and the column line of a table; blank lines before the column line are passed over.
@@ -180,12 +193,13 @@ template <typename Create>
 bool ReadRecords(LineReader& reader, const TableKind& kind, std::string_view endTitle,
                  CRLItemList& items, Create create) {
     std::string_view line;
+    std::vector<std::string> tokens;
     while (reader.Next(line)) {
         const std::string_view t = Trim(line);
         if (t.empty()) continue;
         if (!endTitle.empty() && t == endTitle) return true;
         const size_t number = reader.Number();
-        std::vector<std::string> tokens = Tokens(line);
+        Tokens(line, tokens);
         uint32_t index = 0;
         uint32_t type = 0;
         if (tokens.size() < 2 || !ParseDecimal(tokens[0], 0xFFFFFFFFu, index))
@@ -277,24 +291,50 @@ void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
         throw CTextRenderException(std::string(table) + " record " + std::to_string(index) + ": " +
                                    why);
     };
-    std::string fields;
+    // The line goes straight into the text; its fields are checked where they landed.
+    const auto number = [&out](uint64_t value) {
+        char digits[24];
+        out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+        out += '\t';
+    };
+    out += '\t';
+    number(index);
+    number(static_cast<uint64_t>(type));
+    const size_t start = out.size();
     try {
-        fields = item.ToText();
+        item.AppendText(out);
     } catch (const std::exception& e) {
         refuse(e.what());
     }
-    if (fields.find_first_of("\r\n") != std::string::npos) refuse("a field holds a line break");
-    size_t pos = 0;
-    for (int field = 1; pos < fields.size(); ++field) {
-        size_t end = fields.find('\t', pos);
-        if (end == std::string::npos) end = fields.size();
-        const std::string_view f(fields.data() + pos, end - pos);
-        if (Trim(f).empty()) refuse("field " + std::to_string(field) + " is empty");
-        if (f == kInvalidName) refuse("field " + std::to_string(field) + " has no name");
-        pos = end + 1;
+    // One pass over the fields; a line break anywhere is reported before a bad field. The empty
+    // piece after the closing tab is no field.
+    bool lineBreak = false;
+    int badField = 0;
+    bool badIsEmpty = false;
+    const char* const end = out.data() + out.size();
+    const char* fieldStart = out.data() + start;
+    bool blank = true;
+    for (int field = 1;; ++field) {
+        const char* q = fieldStart;
+        for (; q != end && *q != '\t'; ++q) {
+            if (*q == '\r' || *q == '\n') lineBreak = true;
+            if (*q != ' ' && *q != '\r') blank = false;
+        }
+        if (badField == 0 && (q != end || fieldStart != end)) {
+            if (blank) {
+                badField = field, badIsEmpty = true;
+            } else if (std::string_view(fieldStart, static_cast<size_t>(q - fieldStart)) ==
+                       kInvalidName) {
+                badField = field;
+            }
+        }
+        if (q == end) break;
+        fieldStart = q + 1;
+        blank = true;
     }
-    out += FormatText("\t%d\t%d\t", {index, type});
-    out += fields;
+    if (lineBreak) refuse("a field holds a line break");
+    if (badField != 0)
+        refuse("field " + std::to_string(badField) + (badIsEmpty ? " is empty" : " has no name"));
     out += "\r\n";
 }
 
@@ -309,7 +349,10 @@ std::string RenderRoamingListText(const CRLData& data, int version, bool as1xEV)
     if (version < kMinVersion || version > kMaxVersion)
         throw CTextRenderException("there is no roaming list version " + std::to_string(version));
     const CPropData& prop = data.GetProperties();
+    // Room for the whole text up front: a record line is rarely longer than this.
+    constexpr size_t kLineGuess = 72;
     std::string out;
+    out.reserve(1024 + kLineGuess * (data.GetAcqTable().GetSize() + data.GetSysTable().GetSize()));
     out += "\r\n\t\t";
     out += kBanner;
     out += "\r\n\r\n\tRoaming List Type:\t\t";

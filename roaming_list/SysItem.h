@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,7 @@ public:
     bool OnGridHeading(Grid& grid, int event) const override;
 
     std::string ToText() const override;
+    void AppendText(std::string& out) const override;
     void FromText(const std::vector<std::string>& tokens) override;
 
     void ToJson(nlohmann::json& out) const override;
@@ -117,7 +119,8 @@ protected:
 
     // Text: the type's fields, each tab-terminated; and the tokens that follow the common ones.
     virtual std::string TypeToText() const = 0;
-    virtual void TypeFromText(const std::vector<std::string>& tokens) = 0;
+    virtual void TypeAppendText(std::string& out) const { out += TypeToText(); }
+    virtual void TypeFromText(std::span<const std::string> tokens) = 0;
 
     virtual void TypeToJson(nlohmann::json& out) const = 0;
     virtual void TypeFromJson(const nlohmann::json& in) = 0;

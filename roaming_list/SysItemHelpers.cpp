@@ -1,5 +1,6 @@
 #include "roaming_list/SysItemHelpers.h"
 
+#include <charconv>
 #include <nlohmann/json.hpp>
 
 #include "foundation/MessageTable.h"
@@ -93,6 +94,18 @@ std::string Tab(uint32_t value) {
 }
 std::string Tab(const std::string& text) {
     return text + "\t";
+}
+
+void AppendTab(std::string& out, uint32_t value) {
+    char digits[12];
+    char* end = std::to_chars(digits, digits + sizeof digits - 1, value).ptr;
+    *end++ = '\t';
+    out.append(digits, end);
+}
+
+void AppendTab(std::string& out, std::string_view text) {
+    out += text;
+    out += '\t';
 }
 
 void ThrowJson(const std::string& field, const std::string& problem) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 
 #include "grid/Grid.h"
 
@@ -38,6 +39,9 @@ uint32_t TextNumber(const std::string& token, uint32_t max, const char* field);
 int TextName(const std::string& token, const CNameList& list);
 std::string Tab(uint32_t value);
 std::string Tab(const std::string& text);
+// The same appended to a text being rendered, without a string per field.
+void AppendTab(std::string& out, uint32_t value);
+void AppendTab(std::string& out, std::string_view text);
 [[noreturn]] void ThrowText(const std::string& detail);
 
 // JSON fields. A missing required field, a wrong JSON type or a value beyond `max` raises the

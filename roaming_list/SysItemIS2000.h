@@ -55,7 +55,8 @@ protected:
     bool AcceptsAcqType(int acqType, unsigned& refusal) const override;
 
     std::string TypeToText() const override;
-    void TypeFromText(const std::vector<std::string>& tokens) override;
+    void TypeAppendText(std::string& out) const override;
+    void TypeFromText(std::span<const std::string> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
 
@@ -105,7 +106,8 @@ protected:
     std::vector<std::string> TypeHeadings() const override;
 
     std::string TypeToText() const override;
-    void TypeFromText(const std::vector<std::string>& tokens) override;
+    void TypeAppendText(std::string& out) const override;
+    void TypeFromText(std::span<const std::string> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
 

@@ -90,7 +90,7 @@ std::string CSysItemIS856::TypeToText() const {
     return text;
 }
 
-void CSysItemIS856::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemIS856::TypeFromText(std::span<const std::string> tokens) {
     if (tokens.empty() || tokens.size() > 2)
         ThrowText("an IS-856 system record takes a subnet and an optional common subnet offset");
     CSubnetId subnet;

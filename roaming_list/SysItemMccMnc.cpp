@@ -265,7 +265,7 @@ std::string CSysItemMccMnc::TypeToText() const {
     return text;
 }
 
-void CSysItemMccMnc::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemMccMnc::TypeFromText(std::span<const std::string> tokens) {
     if (tokens.size() < 3) ThrowText("an MCC-MNC system record takes subtype, MCC and MNC");
     const unsigned subtype = TextNumber(tokens[0], kSubnet, "MCC-MNC subtype");
     Digits mcc{};

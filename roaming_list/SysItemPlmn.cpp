@@ -198,7 +198,7 @@ std::string CSysItemPlmn::TypeToText() const {
     return text;
 }
 
-void CSysItemPlmn::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemPlmn::TypeFromText(std::span<const std::string> tokens) {
     const auto& names = CRLNameTables::Instance();
     if (tokens.empty()) ThrowText("a PLMN system record needs its PLMN type");
     const unsigned type = static_cast<unsigned>(TextName(tokens[0], names.PlmnType()));

@@ -150,7 +150,7 @@ std::string CSysItemSpecial::TypeToText() const {
     return Tab(length_) + Tab(DataHex());
 }
 
-void CSysItemSpecial::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemSpecial::TypeFromText(std::span<const std::string> tokens) {
     if (tokens.empty() || tokens.size() > 2)
         ThrowText("an undefined system record takes its length and its data");
     const unsigned length = TextNumber(tokens[0], kMaxRecordOctets, "record length");
