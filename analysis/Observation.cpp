@@ -11,23 +11,6 @@
 namespace Tarn::Analysis {
 namespace {
 
-bool ParseNumber(const std::string& text, unsigned max, const char* what, unsigned& out,
-                 std::string& error) {
-    unsigned long long value = 0;
-    const char* end = text.data() + text.size();
-    auto [p, ec] = std::from_chars(text.data(), end, value);
-    if (text.empty() || ec != std::errc() || p != end) {
-        error = std::string(what) + " \"" + text + "\" is not a number";
-        return false;
-    }
-    if (value > max) {
-        error = std::string(what) + " " + text + " is out of range (0 - " + std::to_string(max) + ")";
-        return false;
-    }
-    out = static_cast<unsigned>(value);
-    return true;
-}
-
 bool AllDigits(const std::string& text) {
     return !text.empty() &&
            text.find_first_not_of("0123456789") == std::string::npos;
@@ -73,6 +56,23 @@ std::optional<int> MatchSidNid(unsigned sid, unsigned nid, const Observation& o)
 
 }  // namespace
 
+bool ParseBoundedNumber(const std::string& text, unsigned max, const char* what, unsigned& out,
+                        std::string& error) {
+    unsigned long long value = 0;
+    const char* end = text.data() + text.size();
+    auto [p, ec] = std::from_chars(text.data(), end, value);
+    if (!AllDigits(text) || ec != std::errc() || p != end) {
+        error = std::string(what) + " \"" + text + "\" is not a number";
+        return false;
+    }
+    if (value > max) {
+        error = std::string(what) + " " + text + " is out of range (0 - " + std::to_string(max) + ")";
+        return false;
+    }
+    out = static_cast<unsigned>(value);
+    return true;
+}
+
 unsigned EffectiveNid(unsigned nidIncl, unsigned nid) {
     return nidIncl == 1 ? nid : nidIncl == 2 ? 0 : kWildcardNid;
 }
@@ -112,10 +112,10 @@ bool ParseObservation(const ObservationFields& f, Observation& out, std::string&
     }
     if (!f.sid.empty()) {
         out.kind = Observation::Kind::Sid;
-        if (!ParseNumber(f.sid, CSysItemIS2000::kMaxSid, "SID", out.sid, error)) return false;
+        if (!ParseBoundedNumber(f.sid, CSysItemIS2000::kMaxSid, "SID", out.sid, error)) return false;
         if (!f.nid.empty()) {
             unsigned nid = 0;
-            if (!ParseNumber(f.nid, 65535, "NID", nid, error)) return false;
+            if (!ParseBoundedNumber(f.nid, 65535, "NID", nid, error)) return false;
             out.nid = nid;
         }
     } else if (!f.subnet.empty()) {
@@ -129,7 +129,7 @@ bool ParseObservation(const ObservationFields& f, Observation& out, std::string&
             error = "subnet \"" + f.subnet + "\" is not an IPv6 address";
             return false;
         }
-        if (!ParseNumber(f.subnet.substr(slash + 1), 128, "subnet length", out.addressLength, error))
+        if (!ParseBoundedNumber(f.subnet.substr(slash + 1), 128, "subnet length", out.addressLength, error))
             return false;
     } else {
         out.kind = Observation::Kind::MccMnc;
@@ -150,8 +150,8 @@ bool ParseObservation(const ObservationFields& f, Observation& out, std::string&
     }
     if (!f.band.empty()) {
         unsigned band = 0, channel = 0;
-        if (!ParseNumber(f.band, 31, "band class", band, error) ||
-            !ParseNumber(f.channel, 2047, "channel", channel, error))
+        if (!ParseBoundedNumber(f.band, 31, "band class", band, error) ||
+            !ParseBoundedNumber(f.channel, 2047, "channel", channel, error))
             return false;
         out.band = band;
         out.channel = channel;

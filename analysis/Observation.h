@@ -42,6 +42,11 @@ struct ObservationFields {
 // a band, ...).
 bool ParseObservation(const ObservationFields& fields, Observation& out, std::string& error);
 
+// A decimal number no larger than `max`; false with "WHAT \"x\" is not a number" or "... is out
+// of range (0 - max)" in `error`. Observations and record searches read their numbers alike.
+bool ParseBoundedNumber(const std::string& text, unsigned max, const char* what, unsigned& out,
+                        std::string& error);
+
 // When `record` names the observed system, how specifically it does so (higher wins: a stated
 // NID over the wildcard, more stated MNC digits, a longer subnet prefix); nothing otherwise.
 std::optional<int> MatchSpecificity(const CSysItem& record, const Observation& observation);

@@ -26,23 +26,6 @@ bool AllDigits(const std::string& text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-bool ParseNumber(const std::string& text, unsigned max, const char* what, unsigned& out,
-                 std::string& error) {
-    unsigned long long value = 0;
-    const char* end = text.data() + text.size();
-    auto [p, ec] = std::from_chars(text.data(), end, value);
-    if (!AllDigits(text) || ec != std::errc() || p != end) {
-        error = std::string(what) + " \"" + text + "\" is not a number";
-        return false;
-    }
-    if (value > max) {
-        error = std::string(what) + " " + text + " is out of range (0 - " + std::to_string(max) + ")";
-        return false;
-    }
-    out = static_cast<unsigned>(value);
-    return true;
-}
-
 // "2001:db8::/32" or a bare address (all 128 bits count).
 bool ParseSubnet(const std::string& text, SearchTerm& term, std::string& error) {
     const size_t slash = text.find('/');
@@ -52,7 +35,7 @@ bool ParseSubnet(const std::string& text, SearchTerm& term, std::string& error) 
     }
     term.length = 128;
     if (slash != std::string::npos &&
-        !ParseNumber(text.substr(slash + 1), 128, "subnet length", term.length, error))
+        !ParseBoundedNumber(text.substr(slash + 1), 128, "subnet length", term.length, error))
         return false;
     return true;
 }
@@ -191,11 +174,11 @@ bool ParseSearchQuery(const std::string& text, SearchQuery& out, std::string& er
             const std::string value = tokens[++i];
             if (word == "sid") {
                 term.kind = Kind::Sid;
-                if (!ParseNumber(value, CSysItemIS2000::kMaxSid, "SID", term.number, error))
+                if (!ParseBoundedNumber(value, CSysItemIS2000::kMaxSid, "SID", term.number, error))
                     return false;
             } else if (word == "nid") {
                 term.kind = Kind::Nid;
-                if (!ParseNumber(value, 65535, "NID", term.number, error)) return false;
+                if (!ParseBoundedNumber(value, 65535, "NID", term.number, error)) return false;
             } else if (word == "mcc") {
                 if (!AllDigits(value) || value.size() != 3) {
                     error = "MCC \"" + value + "\" must be three digits";
@@ -212,7 +195,7 @@ bool ParseSearchQuery(const std::string& text, SearchQuery& out, std::string& er
                 term.mnc = value;
             } else if (word == "band") {
                 unsigned b = 0;
-                if (!ParseNumber(value, 31, "band class", b, error)) return false;
+                if (!ParseBoundedNumber(value, 31, "band class", b, error)) return false;
                 band = b;
                 continue;
             } else if (word == "subnet") {
@@ -220,12 +203,12 @@ bool ParseSearchQuery(const std::string& text, SearchQuery& out, std::string& er
                 if (!ParseSubnet(value, term, error)) return false;
             } else {  // channel, chan, ch
                 term.kind = Kind::Channel;
-                if (!ParseNumber(value, kMaxCdmaChannel, "channel", term.number, error))
+                if (!ParseBoundedNumber(value, kMaxCdmaChannel, "channel", term.number, error))
                     return false;
             }
         } else if (AllDigits(word)) {
             term.kind = Kind::Number;
-            if (!ParseNumber(word, 65535, "number", term.number, error)) {
+            if (!ParseBoundedNumber(word, 65535, "number", term.number, error)) {
                 error = word + " is larger than any SID, NID or channel";
                 return false;
             }

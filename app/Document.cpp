@@ -22,7 +22,11 @@ CDocument::CDocument(CDocTemplate& tmpl) : template_(&tmpl) {
     connect(&undo_, &QUndoStack::cleanChanged, this, [this] { emit modifiedChanged(); });
 }
 
-CDocument::~CDocument() = default;
+CDocument::~CDocument() {
+    // The undo stack is a member and outlives the derived document's part: the signals it sends
+    // while it empties itself must reach no slot of a document that is already gone.
+    undo_.blockSignals(true);
+}
 
 FileDialogSpec CDocument::SaveAsSpec() const {
     FileDialogSpec request;

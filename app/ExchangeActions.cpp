@@ -99,11 +99,11 @@ void ShowOperatorColumns(CRLDoc& doc, GridModel& grid, QWidget* parent) {
 
 void ChooseProviderDatabase(QWidget* parent) {
     QSettings settings;
-    FileDialogSpec spec;
-    spec.title = QObject::tr("Provider Database");
-    spec.filter = QObject::tr("Provider Database (*.xml)|*.xml|All Files (*.*)|*.*||");
-    spec.initialPath = settings.value(kProviderDatabaseKey, Analysis::kDefaultProvidersXml).toString();
-    const QString path = Prompts().GetOpenFileName(parent, spec);
+    FileDialogSpec dialog;
+    dialog.title = QObject::tr("Provider Database");
+    dialog.filter = QObject::tr("Provider Database (*.xml)|*.xml|All Files (*.*)|*.*||");
+    dialog.initialPath = settings.value(kProviderDatabaseKey, Analysis::kDefaultProvidersXml).toString();
+    const QString path = Prompts().GetOpenFileName(parent, dialog);
     if (path.isEmpty()) return;
     settings.setValue(kProviderDatabaseKey, path);
     EditorProviders(parent);
@@ -112,14 +112,14 @@ void ChooseProviderDatabase(QWidget* parent) {
 bool ExportListCsv(CRLDoc& doc) {
     auto data = TakeForExport(doc);
     if (!data) return false;
-    FileDialogSpec spec;
-    spec.title = QObject::tr("Export as CSV: the folder to hold header.csv, acquisition.csv and system.csv");
-    spec.filter = QObject::tr("CSV Files (*.csv)|*.csv||");
-    spec.defaultSuffix = "csv";
+    FileDialogSpec dialog;
+    dialog.title = QObject::tr("Export as CSV: the folder to hold header.csv, acquisition.csv and system.csv");
+    dialog.filter = QObject::tr("CSV Files (*.csv)|*.csv||");
+    dialog.defaultSuffix = "csv";
     const QString start = StartFolder(doc);
-    spec.initialPath = (start.isEmpty() ? QString() : start + "/") + Analysis::kHeaderCsv;
-    spec.overwritePrompt = false;
-    const QString chosen = Prompts().GetSaveFileName(doc.DialogParent(), spec);
+    dialog.initialPath = (start.isEmpty() ? QString() : start + "/") + Analysis::kHeaderCsv;
+    dialog.overwritePrompt = false;
+    const QString chosen = Prompts().GetSaveFileName(doc.DialogParent(), dialog);
     if (chosen.isEmpty()) return false;
     const auto tables =
         Analysis::ListToTables(*data, doc.Version(), {}, EditorProviders(doc.DialogParent()));
@@ -134,15 +134,15 @@ bool ExportListCsv(CRLDoc& doc) {
 bool ExportListXlsx(CRLDoc& doc) {
     auto data = TakeForExport(doc);
     if (!data) return false;
-    FileDialogSpec spec;
-    spec.title = QObject::tr("Export as XLSX");
-    spec.filter = QObject::tr("Excel Workbook (*.xlsx)|*.xlsx||");
-    spec.defaultSuffix = "xlsx";
+    FileDialogSpec dialog;
+    dialog.title = QObject::tr("Export as XLSX");
+    dialog.filter = QObject::tr("Excel Workbook (*.xlsx)|*.xlsx||");
+    dialog.defaultSuffix = "xlsx";
     const QString base = doc.PathName().isEmpty() ? QStringLiteral("list")
                                                   : QFileInfo(doc.PathName()).completeBaseName();
     const QString start = StartFolder(doc);
-    spec.initialPath = (start.isEmpty() ? QString() : start + "/") + base + ".xlsx";
-    const QString chosen = Prompts().GetSaveFileName(doc.DialogParent(), spec);
+    dialog.initialPath = (start.isEmpty() ? QString() : start + "/") + base + ".xlsx";
+    const QString chosen = Prompts().GetSaveFileName(doc.DialogParent(), dialog);
     if (chosen.isEmpty()) return false;
     const auto tables =
         Analysis::ListToTables(*data, doc.Version(), {}, EditorProviders(doc.DialogParent()));

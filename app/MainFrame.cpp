@@ -293,10 +293,10 @@ void CMainFrame::BuildMenus() {
         auto* d = qobject_cast<CRLDoc*>(ActiveDocument());
         auto* problems = findChild<ProblemsPanel*>();
         if (!d || !problems) return;
-        FileDialogSpec spec;
-        spec.title = tr("Check with a Policy");
-        spec.filter = tr("Policy Files (*.json)|*.json|All Files (*.*)|*.*||");
-        const QString path = Prompts().GetOpenFileName(this, spec);
+        FileDialogSpec dialog;
+        dialog.title = tr("Check with a Policy");
+        dialog.filter = tr("Policy Files (*.json)|*.json|All Files (*.*)|*.*||");
+        const QString path = Prompts().GetOpenFileName(this, dialog);
         if (path.isEmpty()) return;
         QString error;
         if (!problems->UsePolicy(path, error)) {

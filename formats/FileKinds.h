@@ -43,7 +43,9 @@ public:
     virtual FileKind Kind() const = 0;
     // "IS-683C", "MSPL", "EHPLMN", ... : what `check` and `info` print as the file's kind.
     virtual std::string KindName() const = 0;
-    // The text form exactly as the editor's text view shows it (lines end in "\r\n").
+    // The text form exactly as the editor's text view shows it (lines end in "\r\n"). Throws a
+    // std::exception whose message names the record when a value has no text form (a roaming
+    // list value without a name, for instance).
     virtual std::string RenderText() const = 0;
     // The whole file as JSON; `FileKindInfo::fromJson` reads the same shape back.
     virtual void ToJson(nlohmann::json& out) const = 0;

@@ -1,6 +1,7 @@
 // The roaming list kinds of the registry: the binary list (any version, with or without the
 // 5-byte prefix) and its text form.
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "formats/FileKinds.h"
 #include "foundation/MessageTable.h"
@@ -50,7 +51,12 @@ public:
         return text_ ? name + " (text)" : name;
     }
     std::string RenderText() const override {
-        return RenderRoamingListText(*data_, version_, is1xEV_);
+        try {
+            return RenderRoamingListText(*data_, version_, is1xEV_);
+        } catch (const CTextRenderException& e) {
+            // The bare message says only that the list cannot be shown; the user needs the record.
+            throw std::runtime_error(std::string(e.what()) + " (" + e.Detail() + ")");
+        }
     }
     void ToJson(nlohmann::json& out) const override { out = ListToJson(*data_, version_, prefixed_); }
     std::vector<CheckProblem> Check() const override {
@@ -90,7 +96,7 @@ public:
     bool Write(std::vector<uint8_t>& bytes, std::string& error) const override {
         if (text_) {
             try {
-                std::string text = RenderRoamingListText(*data_, version_, is1xEV_);
+                std::string text = RenderText();
                 bytes.assign(text.begin(), text.end());
                 return true;
             } catch (const std::exception& e) {

@@ -115,6 +115,26 @@ TEST(ContentForms, ARoamingListThatOpensEmptySaysSo) {
                                         "Read from the JSON form of IS-683A."}));
 }
 
+TEST(ContentForms, AValueWithoutANameIsRefusedByTheTextFormNamingItsRecord) {
+    // Found by fuzzing: a PCS block past F reads from JSON, and the text view used to fail with
+    // no word of where.
+    std::string error;
+    auto doc = ReadFileDocumentBytes(Bytes(R"({"kind": "roamingList", "version": "IS-683A",
+                  "header": {"prefListId": 1, "prefOnly": false, "defRoamInd": 1},
+                  "acquisitionTable": [{"type": 5, "blocks": [{"block": 6}]}],
+                  "systemTable": []})"),
+                                     "x.json", error);
+    ASSERT_TRUE(doc) << error;
+    try {
+        (void)doc->RenderText();
+        ADD_FAILURE() << "rendered a value that has no name";
+    } catch (const std::exception& e) {
+        EXPECT_NE(std::string(e.what()).find("(acquisition record 0: field 1 has no name)"),
+                  std::string::npos)
+            << e.what();
+    }
+}
+
 // An IS-683A list of `systems` records of 37 bits each.
 std::unique_ptr<FileDocument> ListOf(size_t systems) {
     nlohmann::json json = {{"kind", "roamingList"},
