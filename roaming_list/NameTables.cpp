@@ -28,7 +28,7 @@ bool CNameList::HasValue(int value) const {
     return false;
 }
 
-bool CNameList::FindValue(const std::string& name, int& value) const {
+bool CNameList::FindValue(std::string_view name, int& value) const {
     for (const auto& e : entries_)
         if (e.second == name) {
             value = e.first;
@@ -37,9 +37,14 @@ bool CNameList::FindValue(const std::string& name, int& value) const {
     return false;
 }
 
-int CNameList::GetValue(const std::string& name) const {
+int CNameList::GetValue(std::string_view name) const {
     int value = 0;
-    if (!FindValue(name, value)) throw CDataException(error_, "(\"" + name + "\")");
+    if (!FindValue(name, value)) {
+        std::string detail = "(\"";
+        detail += name;
+        detail += "\")";
+        throw CDataException(error_, detail);
+    }
     return value;
 }
 

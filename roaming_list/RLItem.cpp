@@ -13,6 +13,9 @@ void CRLItem::ReadFromGrid(const Grid&, int, const GridContext&) {}
 bool CRLItem::OnGridHeading(Grid&, int) const { return true; }
 std::string CRLItem::ToText() const { return {}; }
 void CRLItem::FromText(const std::vector<std::string>&) {}
+void CRLItem::FromTokens(std::span<const std::string_view> tokens) {
+    FromText(std::vector<std::string>(tokens.begin(), tokens.end()));
+}
 void CRLItem::ToJson(nlohmann::json&) const {}
 void CRLItem::FromJson(const nlohmann::json&) {}
 

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -137,9 +138,9 @@ Header ScanHeader(LineReader& reader) {
     return h;
 }
 
-// Refills `tokens`; the vector and its strings are reused from line to line, so a table of
-// thousands of lines is read without allocating per line.
-void Tokens(std::string_view line, std::vector<std::string>& tokens) {
+// Refills `tokens` with views into the line; the vector is reused from line to line, so a table of
+// thousands of lines is read without allocating or copying per line.
+void Tokens(std::string_view line, std::vector<std::string_view>& tokens) {
     size_t count = 0;
     const char* p = line.data();
     const char* const end = p + line.size();
@@ -150,9 +151,9 @@ void Tokens(std::string_view line, std::vector<std::string>& tokens) {
         const std::string_view token = Trim(std::string_view(p, static_cast<size_t>(stop - p)));
         if (!token.empty()) {
             if (count < tokens.size())
-                tokens[count].assign(token);
+                tokens[count] = token;
             else
-                tokens.emplace_back(token);
+                tokens.push_back(token);
             ++count;
         }
         if (stop == end) break;
@@ -193,7 +194,7 @@ template <typename Create>
 bool ReadRecords(LineReader& reader, const TableKind& kind, std::string_view endTitle,
                  CRLItemList& items, Create create) {
     std::string_view line;
-    std::vector<std::string> tokens;
+    std::vector<std::string_view> tokens;
     while (reader.Next(line)) {
         const std::string_view t = Trim(line);
         if (t.empty()) continue;
@@ -206,17 +207,19 @@ bool ReadRecords(LineReader& reader, const TableKind& kind, std::string_view end
             Fail(kind.tableError, number, "not a record line: " + Quote(t));
         if (index != items.GetSize())
             Fail(kind.indexError, number,
-                 "record " + std::to_string(items.GetSize()) + " expected, found " + tokens[0]);
+                 "record " + std::to_string(items.GetSize()) + " expected, found " +
+                     std::string(tokens[0]));
         if (items.GetSize() >= kind.maxRecords)
             Fail(kind.tableError, number,
                  "more than " + std::to_string(kind.maxRecords) + " records in the " + kind.name);
         if (!ParseDecimal(tokens[1], 255, type))
             Fail(kind.typeError, number, "type " + Quote(tokens[1]));
         std::unique_ptr<CRLItem> item = create(static_cast<int>(type));
-        if (!item) Fail(kind.typeError, number, "type " + tokens[1] + " is unknown in this version");
-        tokens.erase(tokens.begin(), tokens.begin() + 2);
+        if (!item)
+            Fail(kind.typeError, number,
+                 "type " + std::string(tokens[1]) + " is unknown in this version");
         try {
-            item->FromText(tokens);
+            item->FromTokens(std::span<const std::string_view>(tokens).subspan(2));
         } catch (const CDataException& e) {
             throw CDataException(static_cast<DataError>(e.Code()),
                                  "(line " + std::to_string(number) + ")" +
@@ -291,50 +294,39 @@ void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
         throw CTextRenderException(std::string(table) + " record " + std::to_string(index) + ": " +
                                    why);
     };
-    // The line goes straight into the text; its fields are checked where they landed.
-    const auto number = [&out](uint64_t value) {
-        char digits[24];
-        out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-        out += '\t';
-    };
-    out += '\t';
-    number(index);
-    number(static_cast<uint64_t>(type));
+    // "\t<index>\t<type>\t" in one append; the fields go straight into the text after it and are
+    // checked where they landed.
+    char head[48];
+    char* p = head;
+    *p++ = '\t';
+    p = std::to_chars(p, p + 20, index).ptr;
+    *p++ = '\t';
+    p = std::to_chars(p, p + 10, static_cast<unsigned>(type)).ptr;
+    *p++ = '\t';
+    out.append(head, p);
     const size_t start = out.size();
     try {
         item.AppendText(out);
     } catch (const std::exception& e) {
         refuse(e.what());
     }
-    // One pass over the fields; a line break anywhere is reported before a bad field. The empty
-    // piece after the closing tab is no field.
-    bool lineBreak = false;
-    int badField = 0;
-    bool badIsEmpty = false;
+    // A line break anywhere is reported before a bad field. Then each field in turn: none may be
+    // blank or read "Invalid"; the empty piece after the closing tab is no field.
+    const char* q = out.data() + start;
     const char* const end = out.data() + out.size();
-    const char* fieldStart = out.data() + start;
-    bool blank = true;
-    for (int field = 1;; ++field) {
-        const char* q = fieldStart;
-        for (; q != end && *q != '\t'; ++q) {
-            if (*q == '\r' || *q == '\n') lineBreak = true;
-            if (*q != ' ' && *q != '\r') blank = false;
-        }
-        if (badField == 0 && (q != end || fieldStart != end)) {
-            if (blank) {
-                badField = field, badIsEmpty = true;
-            } else if (std::string_view(fieldStart, static_cast<size_t>(q - fieldStart)) ==
-                       kInvalidName) {
-                badField = field;
-            }
-        }
-        if (q == end) break;
-        fieldStart = q + 1;
-        blank = true;
+    const size_t length = static_cast<size_t>(end - q);
+    if (std::memchr(q, '\n', length) || std::memchr(q, '\r', length))
+        refuse("a field holds a line break");
+    for (int field = 1; q != end; ++field) {
+        const char* stop = q;
+        while (stop != end && *stop != '\t') ++stop;
+        const std::string_view text(q, static_cast<size_t>(stop - q));
+        if (text.find_first_not_of(' ') == std::string_view::npos)
+            refuse("field " + std::to_string(field) + " is empty");
+        if (text == kInvalidName) refuse("field " + std::to_string(field) + " has no name");
+        if (stop == end) break;
+        q = stop + 1;
     }
-    if (lineBreak) refuse("a field holds a line break");
-    if (badField != 0)
-        refuse("field " + std::to_string(badField) + (badIsEmpty ? " is empty" : " has no name"));
     out += "\r\n";
 }
 
@@ -367,7 +359,7 @@ std::string RenderRoamingListText(const CRLData& data, int version, bool as1xEV)
     out += kAcqColumns;
     const CRLItemList& acq = data.GetAcqTable().Items();
     for (size_t i = 0; i < acq.GetSize(); ++i) {
-        const auto* item = dynamic_cast<const CAcqItem*>(acq.GetAt(i));
+        const CAcqItem* item = acq.GetAt(i)->AsAcqItem();
         if (!item) throw CTextRenderException("acquisition record " + std::to_string(i) +
                                               ": not an acquisition record");
         RenderRecord(out, *item, i, item->GetAcqType(), "acquisition");
@@ -379,7 +371,7 @@ std::string RenderRoamingListText(const CRLData& data, int version, bool as1xEV)
     out += kSysColumns;
     const CRLItemList& sys = data.GetSysTable().Items();
     for (size_t i = 0; i < sys.GetSize(); ++i) {
-        const auto* item = dynamic_cast<const CSysItem*>(sys.GetAt(i));
+        const CSysItem* item = sys.GetAt(i)->AsSysItem();
         if (!item)
             throw CTextRenderException("system record " + std::to_string(i) + ": not a system record");
         RenderRecord(out, *item, i, item->GetSysType(), "system");

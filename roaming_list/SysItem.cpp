@@ -248,22 +248,28 @@ std::string CSysItem::ToText() const {
 
 void CSysItem::AppendText(std::string& out) const {
     const auto& names = CRLNameTables::Instance();
-    AppendTab(out, names.NegPref().NameView(negPref_));
-    AppendTab(out, names.Geography().NameView(geo_));
-    AppendTab(out, names.Priority().NameView(priority_));
-    AppendTab(out, acqIndex_);
-    AppendTab(out, roamInd_);
+    FieldBuffer line(out);
+    line.Add(names.NegPref().NameView(negPref_));
+    line.Add(names.Geography().NameView(geo_));
+    line.Add(names.Priority().NameView(priority_));
+    line.Add(acqIndex_);
+    line.Add(roamInd_);
     if (version_ >= 3) {
-        AppendTab(out, names.AssnIncluded().NameView(assnIncl_));
-        AppendTab(out, assnTag_);
-        AppendTab(out, names.PnAssn().NameView(pnAssn_));
-        AppendTab(out, names.DataAssn().NameView(dataAssn_));
+        line.Add(names.AssnIncluded().NameView(assnIncl_));
+        line.Add(assnTag_);
+        line.Add(names.PnAssn().NameView(pnAssn_));
+        line.Add(names.DataAssn().NameView(dataAssn_));
     }
+    line.Flush();
     TypeAppendText(out);
 }
 
 void CSysItem::FromText(const std::vector<std::string>& given) {
-    std::span<const std::string> tokens(given);
+    const std::vector<std::string_view> views(given.begin(), given.end());
+    FromTokens(views);
+}
+
+void CSysItem::FromTokens(std::span<const std::string_view> tokens) {
     // A line's closing tab may reach us as an empty last token.
     while (!tokens.empty() && tokens.back().empty()) tokens = tokens.first(tokens.size() - 1);
     const size_t common = CommonTokenCount();

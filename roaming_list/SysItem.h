@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "roaming_list/RLItem.h"
@@ -35,6 +36,7 @@ class CNameList;
 // record, which is an IS-2000 record on file) can be written in it.
 class CSysItem : public CRLItem {
 public:
+    const CSysItem* AsSysItem() const override { return this; }
     // Largest record the 5-bit length field can describe.
     static constexpr unsigned kMaxRecordOctets = 31;
     static constexpr unsigned kMaxAcqIndex = 511;
@@ -85,6 +87,7 @@ public:
     std::string ToText() const override;
     void AppendText(std::string& out) const override;
     void FromText(const std::vector<std::string>& tokens) override;
+    void FromTokens(std::span<const std::string_view> tokens) override;
 
     void ToJson(nlohmann::json& out) const override;
     void FromJson(const nlohmann::json& in) override;
@@ -120,7 +123,7 @@ protected:
     // Text: the type's fields, each tab-terminated; and the tokens that follow the common ones.
     virtual std::string TypeToText() const = 0;
     virtual void TypeAppendText(std::string& out) const { out += TypeToText(); }
-    virtual void TypeFromText(std::span<const std::string> tokens) = 0;
+    virtual void TypeFromText(std::span<const std::string_view> tokens) = 0;
 
     virtual void TypeToJson(nlohmann::json& out) const = 0;
     virtual void TypeFromJson(const nlohmann::json& in) = 0;

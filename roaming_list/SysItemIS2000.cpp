@@ -168,12 +168,14 @@ std::string CSysItemIS2000::TypeToText() const {
 }
 
 void CSysItemIS2000::TypeAppendText(std::string& out) const {
-    AppendTab(out, sid_);
-    AppendTab(out, nid_);
-    AppendTab(out, nidIncl_);
+    FieldBuffer fields(out);
+    fields.Add(sid_);
+    fields.Add(nid_);
+    fields.Add(nidIncl_);
+    fields.Flush();
 }
 
-void CSysItemIS2000::TypeFromText(std::span<const std::string> tokens) {
+void CSysItemIS2000::TypeFromText(std::span<const std::string_view> tokens) {
     if (tokens.size() != 2 && tokens.size() != 3)
         ThrowText("an IS-2000 system record takes SID, NID and NID_INCL");
     sid_ = static_cast<uint16_t>(TextNumber(tokens[0], kMaxSid, "SID"));
@@ -318,7 +320,7 @@ void CSysItemIS2000Mcc::TypeAppendText(std::string& out) const {
     AppendTab(out, imsi_);
 }
 
-void CSysItemIS2000Mcc::TypeFromText(std::span<const std::string> tokens) {
+void CSysItemIS2000Mcc::TypeFromText(std::span<const std::string_view> tokens) {
     if (tokens.size() != 2) ThrowText("a 1x-MCC system record takes MCC and IMSI_11_12");
     mcc_ = static_cast<uint16_t>(TextNumber(tokens[0], 999, "MCC"));
     imsi_ = static_cast<uint8_t>(TextNumber(tokens[1], 99, "IMSI_11_12"));

@@ -56,7 +56,7 @@ protected:
 
     std::string TypeToText() const override;
     void TypeAppendText(std::string& out) const override;
-    void TypeFromText(std::span<const std::string> tokens) override;
+    void TypeFromText(std::span<const std::string_view> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
 
@@ -107,7 +107,7 @@ protected:
 
     std::string TypeToText() const override;
     void TypeAppendText(std::string& out) const override;
-    void TypeFromText(std::span<const std::string> tokens) override;
+    void TypeFromText(std::span<const std::string_view> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
 
