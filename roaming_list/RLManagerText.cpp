@@ -287,6 +287,15 @@ std::unique_ptr<CRLData> ParseText(std::string_view text, int version) {
     return data;
 }
 
+// A field can only be blank or read "Invalid" where the line starts with a tab or holds two in a
+// row, a blank or the name's first letter. Most record lines hold none of these, so they need not
+// be walked field by field.
+bool MayHoldBadField(const char* line, size_t length) {
+    return length != 0 &&
+           (*line == '\t' || std::memchr(line, ' ', length) ||
+            std::memchr(line, kInvalidName[0], length) || memmem(line, length, "\t\t", 2));
+}
+
 // One record's line; refuses fields that the reader could not give back as they are.
 void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
                   const char* table) {
@@ -310,22 +319,26 @@ void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
     } catch (const std::exception& e) {
         refuse(e.what());
     }
-    // A line break anywhere is reported before a bad field. Then each field in turn: none may be
-    // blank or read "Invalid"; the empty piece after the closing tab is no field.
-    const char* q = out.data() + start;
-    const char* const end = out.data() + out.size();
-    const size_t length = static_cast<size_t>(end - q);
-    if (std::memchr(q, '\n', length) || std::memchr(q, '\r', length))
+    // A line break anywhere is reported before a bad field.
+    const char* const begin = out.data() + start;
+    const size_t length = out.size() - start;
+    if (std::memchr(begin, '\n', length) || std::memchr(begin, '\r', length))
         refuse("a field holds a line break");
-    for (int field = 1; q != end; ++field) {
-        const char* stop = q;
-        while (stop != end && *stop != '\t') ++stop;
-        const std::string_view text(q, static_cast<size_t>(stop - q));
-        if (text.find_first_not_of(' ') == std::string_view::npos)
-            refuse("field " + std::to_string(field) + " is empty");
-        if (text == kInvalidName) refuse("field " + std::to_string(field) + " has no name");
-        if (stop == end) break;
-        q = stop + 1;
+    // Then the first blank or nameless field, if the line can hold one at all. The empty piece
+    // after the closing tab is no field.
+    if (MayHoldBadField(begin, length)) {
+        const char* q = begin;
+        const char* const end = begin + length;
+        for (int field = 1; q != end; ++field) {
+            const char* stop = q;
+            while (stop != end && *stop != '\t') ++stop;
+            const std::string_view text(q, static_cast<size_t>(stop - q));
+            if (text.find_first_not_of(' ') == std::string_view::npos)
+                refuse("field " + std::to_string(field) + " is empty");
+            if (text == kInvalidName) refuse("field " + std::to_string(field) + " has no name");
+            if (stop == end) break;
+            q = stop + 1;
+        }
     }
     out += "\r\n";
 }
