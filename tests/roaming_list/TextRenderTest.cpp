@@ -47,6 +47,13 @@ TEST(TextRender, RecordLinesAreCheckedWhereTheyLand) {
         {"5\tInvalid\t\t", "field 2 has no name"},  // the first bad field is the one named
         {"\t5\r\t", "a field holds a line break"},  // a line break outranks an earlier bad field
         {"5\t6\n", "a field holds a line break"},
+        // Two tabs side by side wherever the line's eight-byte words put them.
+        {"\t5\t", "field 1 is empty"},
+        {"1234567\t\t8\t", "field 2 is empty"},
+        {"123456789\t\t", "field 2 is empty"},
+        {"12345678901234\t5\t\t", "field 3 is empty"},
+        {"1234567812345678123\t\t", "field 2 is empty"},
+        {"1234567\t12345678\t123456\t", ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fields);
