@@ -29,8 +29,10 @@ bool CNameList::HasValue(int value) const {
 }
 
 bool CNameList::FindValue(std::string_view name, int& value) const {
+    // Most names differ in length or first letter, which is cheaper to see than a comparison.
     for (const auto& e : entries_)
-        if (e.second == name) {
+        if (e.second.size() == name.size() && (name.empty() || e.second[0] == name[0]) &&
+            e.second == name) {
             value = e.first;
             return true;
         }

@@ -140,27 +140,23 @@ Header ScanHeader(LineReader& reader) {
 }
 
 // Refills `tokens` with views into the line; the vector is reused from line to line, so a table of
-// thousands of lines is read without allocating or copying per line.
+// thousands of lines is read without allocating or copying per line. One pass: separators (tabs,
+// and the blanks and CR around fields) are skipped, then a field runs to the next tab and loses
+// its trailing blanks.
 void Tokens(std::string_view line, std::vector<std::string_view>& tokens) {
-    size_t count = 0;
+    const auto blank = [](char c) { return c == ' ' || c == '\r'; };
+    tokens.clear();
     const char* p = line.data();
     const char* const end = p + line.size();
     while (true) {
-        const char* stop =
-            static_cast<const char*>(std::memchr(p, '\t', static_cast<size_t>(end - p)));
-        if (stop == nullptr) stop = end;
-        const std::string_view token = Trim(std::string_view(p, static_cast<size_t>(stop - p)));
-        if (!token.empty()) {
-            if (count < tokens.size())
-                tokens[count] = token;
-            else
-                tokens.push_back(token);
-            ++count;
-        }
-        if (stop == end) break;
-        p = stop + 1;
+        while (p != end && (*p == '\t' || blank(*p))) ++p;
+        if (p == end) return;
+        const char* const start = p;
+        while (p != end && *p != '\t') ++p;
+        const char* stop = p;
+        while (blank(stop[-1])) --stop;
+        tokens.emplace_back(start, static_cast<size_t>(stop - start));
     }
-    tokens.resize(count);
 }
 
 // The title and the column line of a table; blank lines before the column line are passed over.
