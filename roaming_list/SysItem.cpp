@@ -37,7 +37,7 @@ uint32_t FillBits(uint32_t bits) {
 
 uint32_t CSysItem::Read(CRLFile& file) {
     const int fileVersion = file.GetVersion();
-    if (fileVersion != 0) version_ = fileVersion;
+    if (fileVersion != 0) version_ = static_cast<int8_t>(fileVersion);
     if (version_ < 3) return ReadShort(file);
     uint32_t bits = ReadCommonHead(file);
     bits += ReadTypeFields(file);
@@ -166,7 +166,7 @@ void CSysItem::WriteToGrid(Grid& grid, int row) const {
 
 void CSysItem::ReadFromGrid(const Grid& grid, int row, const GridContext& context) {
     const auto& names = CRLNameTables::Instance();
-    if (context.version != 0) version_ = context.version;
+    if (context.version != 0) version_ = static_cast<int8_t>(context.version);
 
     negPref_ = static_cast<uint8_t>(GridName(grid, kColNegPref, row, names.NegPref()));
     // The first record always opens a new region, whatever its cell holds.

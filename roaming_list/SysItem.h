@@ -55,7 +55,7 @@ public:
     // The version whose grid columns and text fields the record uses (set by the factory, by a
     // binary read and by a grid read; the binary framing always follows the file's version).
     int GetVersion() const { return version_; }
-    void SetVersion(int version) { version_ = version; }
+    void SetVersion(int version) { version_ = static_cast<int8_t>(version); }
 
     unsigned GetNegPref() const { return negPref_; }
     void SetNegPref(unsigned value) { negPref_ = static_cast<uint8_t>(value); }
@@ -139,16 +139,19 @@ protected:
     // Number of text tokens taken by the common fields in this record's version.
     size_t CommonTokenCount() const;
 
+    // Packed without holes, the version in a byte, so that a derived record's own fields fill the
+    // rest of its last word: an IS-2000 record is then 24 bytes, and the thousands of a large list
+    // take a third fewer pages.
+    uint16_t acqIndex_ = 0;
     uint8_t negPref_ = 1;
     uint8_t geo_ = 0;
     uint8_t priority_ = 0;
-    uint16_t acqIndex_ = 0;
     uint8_t roamInd_ = 0;
     uint8_t assnIncl_ = 0;
     uint8_t assnTag_ = 0;
     uint8_t pnAssn_ = 0;
     uint8_t dataAssn_ = 0;
-    int version_ = 5;
+    int8_t version_ = 5;
 };
 
 // The system record class of `type` in version `version` (1..5); nothing when the version has no

@@ -63,8 +63,9 @@ protected:
     uint32_t ReadIds(CRLFile& file, bool longFraming);
     void ReadNidJson(const nlohmann::json& in);
 
-    uint16_t sid_ = 0;
+    // NID_INCL first: it fits the byte the common fields leave free (see CSysItem).
     uint8_t nidIncl_ = 0;
+    uint16_t sid_ = 0;
     uint16_t nid_ = 65535;
 };
 

@@ -36,7 +36,7 @@ uint32_t CSysItemSpecial::LongFramingBits() const {
 }
 
 uint32_t CSysItemSpecial::Read(CRLFile& file) {
-    if (file.GetVersion() != 0) version_ = file.GetVersion();
+    if (file.GetVersion() != 0) version_ = static_cast<int8_t>(file.GetVersion());
     if (version_ < 3) return ReadShort(file);
     return ReadTypeFields(file);
 }
