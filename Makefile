@@ -18,7 +18,7 @@ DEB_PACKAGES := build-essential cmake ninja-build pkg-config \
 	clang libclang-rt-14-dev xvfb xauth ccache \
 	libxml2-dev libxlsxwriter-dev iso-codes mobile-broadband-provider-info \
 	scdoc gzip groff-base desktop-file-utils appstream shared-mime-info libxml2-utils \
-	dpkg-dev file
+	dpkg-dev file python3
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
@@ -107,6 +107,7 @@ bench: deps
 	cmake -S . -B $(BENCH_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DTARN_BUILD_BENCH=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=$(GUI)
 	cmake --build $(BENCH_BUILD) -j $(JOBS)
 	@for b in $(BENCH_BUILD)/bench/bench_*; do [ -x "$$b" ] && "$$b" || exit 1; done
+	python3 bench/compare_text.py $(BENCH_BUILD)/cli/tarn-cli
 
 fuzz: deps
 	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARN_BUILD_FUZZ=ON -DTARN_BUILD_TESTS=OFF -DTARN_BUILD_GUI=$(GUI)

@@ -11,6 +11,7 @@
 #include <mutex>
 #include <nlohmann/json.hpp>
 
+#include "analysis/SharedLibrary.h"
 #include "foundation/AtomicFile.h"
 #include "roaming_list/SysItemHelpers.h"
 #include "roaming_list/SysItemIS2000.h"
@@ -27,15 +28,46 @@ constexpr uint64_t kMaxJsonBytes = 8ull * 1024 * 1024;
 constexpr size_t kMaxNameLength = 200;
 constexpr unsigned kMaxSid = 32767;
 
-bool Is(const xmlNode* node, const char* name) {
-    return node->type == XML_ELEMENT_NODE && xmlStrcmp(node->name, BAD_CAST name) == 0;
+// libxml2 is opened the first time a provider database is read: it brings ICU with it, and
+// loading both at start-up would cost every tarn-cli verb more than most of them take to run.
+struct XmlLibrary {
+    decltype(&::xmlReadMemory) readMemory = nullptr;
+    decltype(&::xmlFreeDoc) freeDoc = nullptr;
+    decltype(&::xmlDocGetRootElement) rootElement = nullptr;
+    decltype(&::xmlStrcmp) strcmp = nullptr;
+    decltype(&::xmlGetNoNsProp) getNoNsProp = nullptr;
+    decltype(&::xmlHasNsProp) hasNsProp = nullptr;
+    decltype(&::xmlResetLastError) resetLastError = nullptr;
+    decltype(&::xmlGetLastError) getLastError = nullptr;
+    // xmlFree is a variable of the library's holding its free function: this is its address.
+    xmlFreeFunc* freeSlot = nullptr;
+};
+
+// The library, or nothing with the reason in `error`.
+const XmlLibrary* Xml(std::string& error) {
+    static XmlLibrary xml;
+    static std::string failure;
+    static const bool loaded = SharedLibrary::Resolve(
+        TARN_LIBXML2_SONAME,
+        {Bind("xmlReadMemory", xml.readMemory), Bind("xmlFreeDoc", xml.freeDoc),
+         Bind("xmlDocGetRootElement", xml.rootElement), Bind("xmlStrcmp", xml.strcmp),
+         Bind("xmlGetNoNsProp", xml.getNoNsProp), Bind("xmlHasNsProp", xml.hasNsProp),
+         Bind("xmlResetLastError", xml.resetLastError), Bind("xmlGetLastError", xml.getLastError),
+         Bind("xmlFree", xml.freeSlot)},
+        failure);
+    error = failure;
+    return loaded ? &xml : nullptr;
 }
 
-std::string Attribute(const xmlNode* node, const char* name) {
-    xmlChar* value = xmlGetNoNsProp(node, BAD_CAST name);
+bool Is(const XmlLibrary& xml, const xmlNode* node, const char* name) {
+    return node->type == XML_ELEMENT_NODE && xml.strcmp(node->name, BAD_CAST name) == 0;
+}
+
+std::string Attribute(const XmlLibrary& xml, const xmlNode* node, const char* name) {
+    xmlChar* value = xml.getNoNsProp(node, BAD_CAST name);
     if (!value) return {};
     std::string text(reinterpret_cast<const char*>(value));
-    xmlFree(value);
+    (*xml.freeSlot)(value);
     return text;
 }
 
@@ -58,13 +90,13 @@ std::string Text(const xmlNode* node) {
 }
 
 // The <name> without a language, else the first one.
-std::string NameOf(const xmlNode* parent) {
+std::string NameOf(const XmlLibrary& xml, const xmlNode* parent) {
     std::string first;
     for (const xmlNode* c = parent->children; c; c = c->next) {
-        if (!Is(c, "name")) continue;
+        if (!Is(xml, c, "name")) continue;
         std::string text = Text(c);
         if (text.empty()) continue;
-        if (!xmlHasNsProp(c, BAD_CAST "lang", XML_XML_NAMESPACE)) return text;
+        if (!xml.hasNsProp(c, BAD_CAST "lang", XML_XML_NAMESPACE)) return text;
         if (first.empty()) first = std::move(text);
     }
     return first;
@@ -126,7 +158,8 @@ bool ReadIfPresent(const std::string& path, uint64_t cap, std::string& contents,
 }
 
 struct XmlDocDeleter {
-    void operator()(xmlDoc* doc) const { xmlFreeDoc(doc); }
+    const XmlLibrary* xml;
+    void operator()(xmlDoc* doc) const { xml->freeDoc(doc); }
 };
 
 }  // namespace
@@ -147,17 +180,26 @@ ProviderDirectory ProviderDirectory::Parse(std::string_view xml, std::string_vie
         warnings.insert(warnings.end(), found.begin(), found.end());
         return dir;
     }
+    std::string unavailable;
+    const XmlLibrary* lib = Xml(unavailable);
+    if (!lib) {
+        found.push_back(xmlName + ": " + unavailable + "; operator names are left out");
+        dir.warnings_ = found;
+        warnings.insert(warnings.end(), found.begin(), found.end());
+        return dir;
+    }
     // No network, no DTD loading, no entity substitution, and libxml2 keeps quiet: the one
     // warning we give says what went wrong.
     const int options = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
-    xmlResetLastError();
+    lib->resetLastError();
     std::unique_ptr<xmlDoc, XmlDocDeleter> doc(
-        xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, nullptr, options));
-    const xmlNode* root = doc ? xmlDocGetRootElement(doc.get()) : nullptr;
-    if (!root || !Is(root, "serviceproviders")) {
+        lib->readMemory(xml.data(), static_cast<int>(xml.size()), nullptr, nullptr, options),
+        XmlDocDeleter{lib});
+    const xmlNode* root = doc ? lib->rootElement(doc.get()) : nullptr;
+    if (!root || !Is(*lib, root, "serviceproviders")) {
         std::string why = "no <serviceproviders> element";
         if (!doc) {
-            const xmlError* e = xmlGetLastError();
+            const xmlError* e = lib->getLastError();
             why = e && e->message ? Trim(e->message) + " at line " + std::to_string(e->line)
                                   : std::string("not well-formed XML");
         }
@@ -170,33 +212,33 @@ ProviderDirectory ProviderDirectory::Parse(std::string_view xml, std::string_vie
 
     size_t skipped = 0;
     for (const xmlNode* country = root->children; country; country = country->next) {
-        if (!Is(country, "country")) continue;
-        const std::string code = Upper(Trim(Attribute(country, "code")));
+        if (!Is(*lib, country, "country")) continue;
+        const std::string code = Upper(Trim(Attribute(*lib, country, "code")));
         std::string countryName;
         if (auto it = countries.find(code); it != countries.end()) countryName = it->second;
-        if (countryName.empty()) countryName = NameOf(country);
+        if (countryName.empty()) countryName = NameOf(*lib, country);
         if (countryName.empty()) countryName = code;
         for (const xmlNode* provider = country->children; provider; provider = provider->next) {
-            if (!Is(provider, "provider")) continue;
-            const std::string name = NameOf(provider);
+            if (!Is(*lib, provider, "provider")) continue;
+            const std::string name = NameOf(*lib, provider);
             if (name.empty()) continue;
             const auto index = static_cast<uint32_t>(dir.operators_.size());
             bool claimed = false;
             for (const xmlNode* net = provider->children; net; net = net->next) {
-                const bool cdma = Is(net, "cdma");
-                if (!cdma && !Is(net, "gsm")) continue;
+                const bool cdma = Is(*lib, net, "cdma");
+                if (!cdma && !Is(*lib, net, "gsm")) continue;
                 for (const xmlNode* id = net->children; id; id = id->next) {
-                    if (cdma && Is(id, "sid")) {
-                        const std::string value = Trim(Attribute(id, "value"));
+                    if (cdma && Is(*lib, id, "sid")) {
+                        const std::string value = Trim(Attribute(*lib, id, "value"));
                         if (!AllDigits(value, 1, 5) || std::stoul(value) > kMaxSid) {
                             ++skipped;
                             continue;
                         }
                         dir.Claim(dir.bySid_[static_cast<unsigned>(std::stoul(value))], index);
                         claimed = true;
-                    } else if (!cdma && Is(id, "network-id")) {
-                        const std::string mcc = Trim(Attribute(id, "mcc"));
-                        const std::string mnc = Trim(Attribute(id, "mnc"));
+                    } else if (!cdma && Is(*lib, id, "network-id")) {
+                        const std::string mcc = Trim(Attribute(*lib, id, "mcc"));
+                        const std::string mnc = Trim(Attribute(*lib, id, "mnc"));
                         if (!AllDigits(mcc, 3, 3) || !AllDigits(mnc, 2, 3)) {
                             ++skipped;
                             continue;

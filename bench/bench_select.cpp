@@ -74,7 +74,8 @@ const std::vector<Observation>& Observations() {
             } else {
                 f.sid = std::to_string(i * 7 % 5000);
                 if (i % 2) f.nid = std::to_string(i % 7);
-                f.band = "1";
+                // As a std::string value: GCC 12 at -O3 misreads this literal's copy as overlapping.
+                f.band = std::string("1");
                 f.channel = std::to_string(25 + i % 100);
             }
             Observation o;

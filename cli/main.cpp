@@ -34,8 +34,15 @@ int main(int argc, char** argv) {
     std::sort(commands.begin(), commands.end(), [](const auto& a, const auto& b) {
         return a.order != b.order ? a.order < b.order : a.name < b.name;
     });
+    // When the first argument names a verb, only that verb is set up: building the options of
+    // every verb costs more than a quick verb takes to run. Anything else (help, a mistyped verb)
+    // gets all of them, so help and error messages list every verb.
+    const RegisteredCommand* named = nullptr;
+    for (const auto& command : commands)
+        if (argc > 1 && command.name == argv[1]) named = &command;
     std::vector<std::pair<CLI::App*, std::function<int()>>> actions;
     for (auto& command : commands) {
+        if (named && &command != named) continue;
         size_t before = app.get_subcommands({}).size();
         auto action = command.setup(app);
         auto subs = app.get_subcommands({});

@@ -29,6 +29,7 @@ inline constexpr uint8_t kAcqTypeSpecial = 253;
 // disagrees with its widths leaves the reader out of step (and the list fails its later checks).
 class CAcqItem : public CRLItem {
 public:
+    const CAcqItem* AsAcqItem() const override { return this; }
     // The type code: 1..16, or 253 for a record whose type the editor does not model.
     virtual uint8_t GetAcqType() const = 0;
     // True when the record obeys the limits of its type and every value fits its field, so a

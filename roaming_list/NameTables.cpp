@@ -16,24 +16,37 @@ std::string CNameList::GetName(int value) const {
     return kInvalidName;
 }
 
+std::string_view CNameList::NameView(int value) const {
+    for (const auto& e : entries_)
+        if (e.first == value) return e.second;
+    return kInvalidName;
+}
+
 bool CNameList::HasValue(int value) const {
     for (const auto& e : entries_)
         if (e.first == value) return true;
     return false;
 }
 
-bool CNameList::FindValue(const std::string& name, int& value) const {
+bool CNameList::FindValue(std::string_view name, int& value) const {
+    // Most names differ in length or first letter, which is cheaper to see than a comparison.
     for (const auto& e : entries_)
-        if (e.second == name) {
+        if (e.second.size() == name.size() && (name.empty() || e.second[0] == name[0]) &&
+            e.second == name) {
             value = e.first;
             return true;
         }
     return false;
 }
 
-int CNameList::GetValue(const std::string& name) const {
+int CNameList::GetValue(std::string_view name) const {
     int value = 0;
-    if (!FindValue(name, value)) throw CDataException(error_, "(\"" + name + "\")");
+    if (!FindValue(name, value)) {
+        std::string detail = "(\"";
+        detail += name;
+        detail += "\")";
+        throw CDataException(error_, detail);
+    }
     return value;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,10 +25,12 @@ public:
 
     // The name of a value, or "Invalid" when the list has none.
     std::string GetName(int value) const;
+    // The same without a copy, for the text renderer.
+    std::string_view NameView(int value) const;
     bool HasValue(int value) const;
     // The value of a name; an unknown name raises the list's data error.
-    int GetValue(const std::string& name) const;
-    bool FindValue(const std::string& name, int& value) const;
+    int GetValue(std::string_view name) const;
+    bool FindValue(std::string_view name, int& value) const;
     // The names in insertion order, for a drop-down cell (built once, shared by every cell).
     const ChoiceList& Choices() const { return choices_; }
 

@@ -31,7 +31,9 @@ class CAcqData {
 public:
     CRLItemList& Items() { return items_; }
     const CRLItemList& Items() const { return items_; }
-    uint32_t Read(CRLFile& file, CReadHelper& helper) { return items_.Read(file, helper); }
+    uint32_t Read(CRLFile& file, CReadHelper& helper, uint64_t stopBit = UINT64_MAX) {
+        return items_.Read(file, helper, stopBit);
+    }
     uint32_t Write(CRLFile& file) const { return items_.Write(file); }
     size_t GetSize() const { return items_.GetSize(); }
 
@@ -43,7 +45,9 @@ class CSysData {
 public:
     CRLItemList& Items() { return items_; }
     const CRLItemList& Items() const { return items_; }
-    uint32_t Read(CRLFile& file, CReadHelper& helper) { return items_.Read(file, helper); }
+    uint32_t Read(CRLFile& file, CReadHelper& helper, uint64_t stopBit = UINT64_MAX) {
+        return items_.Read(file, helper, stopBit);
+    }
     uint32_t Write(CRLFile& file) const { return items_.Write(file); }
     size_t GetSize() const { return items_.GetSize(); }
 

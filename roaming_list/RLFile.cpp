@@ -22,9 +22,6 @@ constexpr std::array<uint16_t, 256> MakeCrcTable() {
 
 constexpr std::array<uint16_t, 256> kCrcTable = MakeCrcTable();
 
-// The bits of the current byte that a write keeps, by bit offset.
-constexpr uint8_t kKeepMask[8] = {0x00, 0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0xFE};
-
 }  // namespace
 
 uint16_t Crc16(const uint8_t* buffer, size_t length) {
@@ -72,7 +69,7 @@ void CRLFile::Write(const void* buffer, size_t count) {
 // continues in it. A byte past the end leaves the one-byte buffer as it was: 0 for the first
 // byte of a call, the previous byte later in the same call. Truncation is caught by the size and
 // CRC check before any parsing, so no error is raised here.
-uint32_t CRLFile::ReadBits(int width) {
+uint32_t CRLFile::ReadBitsSlow(int width) {
     if (width <= 0) return 0;
     unsigned offset = offset_;
     uint64_t remembered = pos_;
@@ -95,7 +92,7 @@ uint32_t CRLFile::ReadBits(int width) {
 // so bits written by an earlier call into a shared byte survive. A finished byte is written at
 // once; an unfinished one is written too and the position stays on it, so the image is always a
 // valid prefix of the stream.
-void CRLFile::WriteBits(int width, uint32_t value) {
+void CRLFile::WriteBitsSlow(int width, uint32_t value) {
     if (width < 1) return;
     unsigned offset = offset_;
     uint64_t remembered = pos_;
@@ -107,7 +104,7 @@ void CRLFile::WriteBits(int width, uint32_t value) {
             remembered = pos_;
             byte = 0;
             if (pos_ < bytes_.size()) {
-                byte = bytes_[static_cast<size_t>(pos_)] & kKeepMask[offset];
+                byte = bytes_[static_cast<size_t>(pos_)] & KeptBits(offset);
                 ++pos_;
             }
         }

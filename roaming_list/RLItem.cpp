@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "grid/Grid.h"
+#include "roaming_list/RLFile.h"
 
 namespace Tarn {
 
@@ -12,6 +13,9 @@ void CRLItem::ReadFromGrid(const Grid&, int, const GridContext&) {}
 bool CRLItem::OnGridHeading(Grid&, int) const { return true; }
 std::string CRLItem::ToText() const { return {}; }
 void CRLItem::FromText(const std::vector<std::string>&) {}
+void CRLItem::FromTokens(std::span<const std::string_view> tokens) {
+    FromText(std::vector<std::string>(tokens.begin(), tokens.end()));
+}
 void CRLItem::ToJson(nlohmann::json&) const {}
 void CRLItem::FromJson(const nlohmann::json&) {}
 
@@ -56,12 +60,13 @@ std::unique_ptr<CRLItem> CRLItemList::ReplaceAt(size_t index, std::unique_ptr<CR
     return item;
 }
 
-uint32_t CRLItemList::Read(CRLFile& file, CReadHelper& helper) {
+uint32_t CRLItemList::Read(CRLFile& file, CReadHelper& helper, uint64_t stopBit) {
     uint32_t total = 0;
     for (uint32_t i = 0; i < announced_; ++i) {
         std::unique_ptr<CRLItem> item = helper.CreateItem(file);
         if (!item) return 0;
         total += item->Read(file);
+        if (file.GetPosition() * 8 + file.GetBitOffset() > stopBit) return 0;
         if (auto replacement = item->GetReplacement()) item = std::move(replacement);
         items_.push_back(std::move(item));
     }

@@ -5,12 +5,16 @@
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Tarn {
 
+class CAcqItem;
 class CRLFile;
+class CSysItem;
 class Grid;
 class CRLItemList;
 
@@ -24,6 +28,11 @@ struct GridContext {
 class CRLItem {
 public:
     virtual ~CRLItem() = default;
+
+    // The record as an acquisition or a system record, or nothing: the text renderer asks once
+    // per record, where a dynamic_cast would cost more than the record's own fields.
+    virtual const CAcqItem* AsAcqItem() const { return nullptr; }
+    virtual const CSysItem* AsSysItem() const { return nullptr; }
 
     // Binary form: each returns the number of bits consumed or produced.
     virtual uint32_t Read(CRLFile& file) = 0;
@@ -46,6 +55,11 @@ public:
     // and type code.
     virtual std::string ToText() const;
     virtual void FromText(const std::vector<std::string>& tokens);
+    // FromText over views into the line itself, so a table of thousands of lines is read without
+    // copying its fields; this default copies them and calls FromText.
+    virtual void FromTokens(std::span<const std::string_view> tokens);
+    // ToText appended to `out`; records of large tables render straight into the whole text.
+    virtual void AppendText(std::string& out) const { out += ToText(); }
 
     // JSON form: the record's fields as one object (the caller adds what identifies the record).
     virtual void ToJson(nlohmann::json& out) const;
@@ -86,8 +100,9 @@ public:
     void Clear() { items_.clear(); }
 
     // Reads the announced number of records through `helper`. Stops and reports 0 bits when the
-    // helper gives no record (the records read so far are kept).
-    uint32_t Read(CRLFile& file, CReadHelper& helper);
+    // helper gives no record (the records read so far are kept), or when a record ends beyond
+    // bit `stopBit` of the file.
+    uint32_t Read(CRLFile& file, CReadHelper& helper, uint64_t stopBit = UINT64_MAX);
     // Writes every record in order; the sum of their bits.
     uint32_t Write(CRLFile& file) const;
 

@@ -39,6 +39,12 @@ std::unique_ptr<CRLData> CRLManager::DetachData() {
     return out;
 }
 
+void CRLManager::AdoptValidation(const CRLManager& other) {
+    prefixed_ = other.prefixed_;
+    listLength_ = other.listLength_;
+    lastError_.clear();
+}
+
 bool CRLManager::ValidateFile(CRLFile& file) {
     file.SetManager(this);
     lastError_.clear();
@@ -91,10 +97,16 @@ uint32_t CRLManager::ReadHeader(CRLFile& file) {
     return bits;
 }
 
+uint64_t CRLManager::StopBit() const {
+    if (!stopPastEnd_) return UINT64_MAX;
+    const uint64_t start = prefixed_ ? static_cast<uint64_t>(GetPrefixLength()) : 0;
+    return (start + (listLength_ >= 2 ? listLength_ - 2u : 0)) * 8;
+}
+
 uint32_t CRLManager::ReadAcqTable(CRLFile& file) {
     auto helper = CreateAcqReadHelper();
     CRLItemList& items = data_->GetAcqTable().Items();
-    uint32_t bits = data_->GetAcqTable().Read(file, *helper);
+    uint32_t bits = data_->GetAcqTable().Read(file, *helper, StopBit());
     if (items.GetSize() != items.GetAnnouncedCount()) throw CDataException(DataError::InvalidAcqTable);
     return bits;
 }
@@ -102,7 +114,7 @@ uint32_t CRLManager::ReadAcqTable(CRLFile& file) {
 uint32_t CRLManager::ReadSysTable(CRLFile& file) {
     auto helper = CreateSysReadHelper();
     CRLItemList& items = data_->GetSysTable().Items();
-    uint32_t bits = data_->GetSysTable().Read(file, *helper);
+    uint32_t bits = data_->GetSysTable().Read(file, *helper, StopBit());
     if (items.GetSize() != items.GetAnnouncedCount()) throw CDataException(DataError::InvalidSysTable);
     return bits;
 }
@@ -180,6 +192,8 @@ bool CRLManager::WriteList(CRLFile& file) {
     if (!CheckBeforeWrite()) return false;
     file.SetManager(this);
     file.SetLength(0);
+    // The largest list the size field allows, so the image never moves while it grows.
+    file.Reserve(0x10000);
     file.SetBitOffset(0);
     file.Seek(2);
     uint32_t total = 16;
@@ -306,12 +320,21 @@ void SetCurrentVersion(int version) { g_currentVersion = version; }
 
 DetectResult DetectVersion(CRLFile& file) {
     DetectResult result;
+    // Size and CRC do not depend on the version: one check stands for all five.
+    const std::unique_ptr<CRLManager> checked = CreateClassFactory(kMinVersion)->CreateManager();
+    if (!checked->ValidateFile(file)) {
+        file.SetManager(nullptr);
+        result.error = "The size or CRC of the list does not match.";
+        return result;
+    }
+    result.sizeAndCrcValid = true;
     for (int version = kMinVersion; version <= kMaxVersion; ++version) {
         std::unique_ptr<CRLManager> manager = CreateClassFactory(version)->CreateManager();
-        if (!manager->ValidateFile(file)) continue;
-        result.sizeAndCrcValid = true;
+        manager->AdoptValidation(*checked);
+        manager->SetStopPastEnd(version < kMaxVersion);
         try {
             if (manager->ReadList(file)) {
+                manager->SetStopPastEnd(false);
                 file.SetManager(nullptr);
                 result.manager = std::move(manager);
                 result.error.clear();

@@ -69,6 +69,14 @@ public:
     // Refuses a list the format cannot carry: counts beyond their fields, invalid records.
     virtual bool CheckBeforeWrite();
 
+    // Takes the outcome of `other`'s ValidateFile on the same file, which is the same for every
+    // binary version: detection checks size and CRC once, not once per version.
+    void AdoptValidation(const CRLManager& other);
+    // With this set, ReadList gives up as soon as the records pass the end of the list, which a
+    // full read never does, instead of reading on to the first fault. Detection sets it for every
+    // version but the last, whose fault is the one it reports.
+    void SetStopPastEnd(bool stop) { stopPastEnd_ = stop; }
+
     bool IsPrefixed() const { return prefixed_; }
     // The length of the list itself in bytes, as validated (the prefix not counted).
     uint32_t GetListLength() const { return listLength_; }
@@ -76,9 +84,13 @@ public:
     const std::string& GetLastError() const { return lastError_; }
 
 protected:
+    // Where ReadList gives up when told to stop past the end: the bit after the list's records.
+    uint64_t StopBit() const;
+
     std::unique_ptr<CRLData> data_;
     bool prefixed_ = false;
     uint32_t listLength_ = 0;
+    bool stopPastEnd_ = false;
     std::string lastError_;
 };
 

@@ -1,7 +1,11 @@
 #include "roaming_list/RLManagerText.h"
 
 #include <cctype>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -135,17 +139,24 @@ Header ScanHeader(LineReader& reader) {
     return h;
 }
 
-std::vector<std::string> Tokens(std::string_view line) {
-    std::vector<std::string> tokens;
-    size_t pos = 0;
-    while (pos <= line.size()) {
-        size_t end = line.find('\t', pos);
-        if (end == std::string_view::npos) end = line.size();
-        const std::string_view token = Trim(line.substr(pos, end - pos));
-        if (!token.empty()) tokens.emplace_back(token);
-        pos = end + 1;
+// Refills `tokens` with views into the line; the vector is reused from line to line, so a table of
+// thousands of lines is read without allocating or copying per line. One pass: separators (tabs,
+// and the blanks and CR around fields) are skipped, then a field runs to the next tab and loses
+// its trailing blanks.
+void Tokens(std::string_view line, std::vector<std::string_view>& tokens) {
+    const auto blank = [](char c) { return c == ' ' || c == '\r'; };
+    tokens.clear();
+    const char* p = line.data();
+    const char* const end = p + line.size();
+    while (true) {
+        while (p != end && (*p == '\t' || blank(*p))) ++p;
+        if (p == end) return;
+        const char* const start = p;
+        while (p != end && *p != '\t') ++p;
+        const char* stop = p;
+        while (blank(stop[-1])) --stop;
+        tokens.emplace_back(start, static_cast<size_t>(stop - start));
     }
-    return tokens;
 }
 
 // The title and the column line of a table; blank lines before the column line are passed over.
@@ -180,29 +191,32 @@ template <typename Create>
 bool ReadRecords(LineReader& reader, const TableKind& kind, std::string_view endTitle,
                  CRLItemList& items, Create create) {
     std::string_view line;
+    std::vector<std::string_view> tokens;
     while (reader.Next(line)) {
         const std::string_view t = Trim(line);
         if (t.empty()) continue;
         if (!endTitle.empty() && t == endTitle) return true;
         const size_t number = reader.Number();
-        std::vector<std::string> tokens = Tokens(line);
+        Tokens(line, tokens);
         uint32_t index = 0;
         uint32_t type = 0;
         if (tokens.size() < 2 || !ParseDecimal(tokens[0], 0xFFFFFFFFu, index))
             Fail(kind.tableError, number, "not a record line: " + Quote(t));
         if (index != items.GetSize())
             Fail(kind.indexError, number,
-                 "record " + std::to_string(items.GetSize()) + " expected, found " + tokens[0]);
+                 "record " + std::to_string(items.GetSize()) + " expected, found " +
+                     std::string(tokens[0]));
         if (items.GetSize() >= kind.maxRecords)
             Fail(kind.tableError, number,
                  "more than " + std::to_string(kind.maxRecords) + " records in the " + kind.name);
         if (!ParseDecimal(tokens[1], 255, type))
             Fail(kind.typeError, number, "type " + Quote(tokens[1]));
         std::unique_ptr<CRLItem> item = create(static_cast<int>(type));
-        if (!item) Fail(kind.typeError, number, "type " + tokens[1] + " is unknown in this version");
-        tokens.erase(tokens.begin(), tokens.begin() + 2);
+        if (!item)
+            Fail(kind.typeError, number,
+                 "type " + std::string(tokens[1]) + " is unknown in this version");
         try {
-            item->FromText(tokens);
+            item->FromTokens(std::span<const std::string_view>(tokens).subspan(2));
         } catch (const CDataException& e) {
             throw CDataException(static_cast<DataError>(e.Code()),
                                  "(line " + std::to_string(number) + ")" +
@@ -270,6 +284,37 @@ std::unique_ptr<CRLData> ParseText(std::string_view text, int version) {
     return data;
 }
 
+// Whether two tabs stand side by side, eight bytes at a time: a search for the pair itself would
+// stop at every single tab of the line.
+bool HasDoubledTab(const char* p, size_t length) {
+    constexpr uint64_t kLow7 = 0x7F7F7F7F7F7F7F7Full;
+    constexpr uint64_t kTabs = 0x0909090909090909ull;
+    bool lastWasTab = false;
+    for (; length >= 8; p += 8, length -= 8) {
+        uint64_t word;
+        std::memcpy(&word, p, 8);
+        const uint64_t v = word ^ kTabs;
+        // 0x80 in exactly the bytes that are tabs (no carry crosses a byte).
+        const uint64_t tabs = ~(((v & kLow7) + kLow7) | v | kLow7);
+        if ((tabs & (tabs << 8)) != 0 || (lastWasTab && p[0] == '\t')) return true;
+        lastWasTab = p[7] == '\t';
+    }
+    for (; length != 0; ++p, --length) {
+        if (lastWasTab && *p == '\t') return true;
+        lastWasTab = *p == '\t';
+    }
+    return false;
+}
+
+// A field can only be blank or read "Invalid" where the line starts with a tab or holds two in a
+// row, a blank or the name's first letter. Most record lines hold none of these, so they need not
+// be walked field by field.
+bool MayHoldBadField(const char* line, size_t length) {
+    return length != 0 &&
+           (*line == '\t' || std::memchr(line, ' ', length) ||
+            std::memchr(line, kInvalidName[0], length) || HasDoubledTab(line, length));
+}
+
 // One record's line; refuses fields that the reader could not give back as they are.
 void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
                   const char* table) {
@@ -277,24 +322,43 @@ void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
         throw CTextRenderException(std::string(table) + " record " + std::to_string(index) + ": " +
                                    why);
     };
-    std::string fields;
+    // "\t<index>\t<type>\t" in one append; the fields go straight into the text after it and are
+    // checked where they landed.
+    char head[48];
+    char* p = head;
+    *p++ = '\t';
+    p = std::to_chars(p, p + 20, index).ptr;
+    *p++ = '\t';
+    p = std::to_chars(p, p + 10, static_cast<unsigned>(type)).ptr;
+    *p++ = '\t';
+    out.append(head, p);
+    const size_t start = out.size();
     try {
-        fields = item.ToText();
+        item.AppendText(out);
     } catch (const std::exception& e) {
         refuse(e.what());
     }
-    if (fields.find_first_of("\r\n") != std::string::npos) refuse("a field holds a line break");
-    size_t pos = 0;
-    for (int field = 1; pos < fields.size(); ++field) {
-        size_t end = fields.find('\t', pos);
-        if (end == std::string::npos) end = fields.size();
-        const std::string_view f(fields.data() + pos, end - pos);
-        if (Trim(f).empty()) refuse("field " + std::to_string(field) + " is empty");
-        if (f == kInvalidName) refuse("field " + std::to_string(field) + " has no name");
-        pos = end + 1;
+    // A line break anywhere is reported before a bad field.
+    const char* const begin = out.data() + start;
+    const size_t length = out.size() - start;
+    if (std::memchr(begin, '\n', length) || std::memchr(begin, '\r', length))
+        refuse("a field holds a line break");
+    // Then the first blank or nameless field, if the line can hold one at all. The empty piece
+    // after the closing tab is no field.
+    if (MayHoldBadField(begin, length)) {
+        const char* q = begin;
+        const char* const end = begin + length;
+        for (int field = 1; q != end; ++field) {
+            const char* stop = q;
+            while (stop != end && *stop != '\t') ++stop;
+            const std::string_view text(q, static_cast<size_t>(stop - q));
+            if (text.find_first_not_of(' ') == std::string_view::npos)
+                refuse("field " + std::to_string(field) + " is empty");
+            if (text == kInvalidName) refuse("field " + std::to_string(field) + " has no name");
+            if (stop == end) break;
+            q = stop + 1;
+        }
     }
-    out += FormatText("\t%d\t%d\t", {index, type});
-    out += fields;
     out += "\r\n";
 }
 
@@ -309,7 +373,10 @@ std::string RenderRoamingListText(const CRLData& data, int version, bool as1xEV)
     if (version < kMinVersion || version > kMaxVersion)
         throw CTextRenderException("there is no roaming list version " + std::to_string(version));
     const CPropData& prop = data.GetProperties();
+    // Room for the whole text up front: a record line is rarely longer than this.
+    constexpr size_t kLineGuess = 72;
     std::string out;
+    out.reserve(1024 + kLineGuess * (data.GetAcqTable().GetSize() + data.GetSysTable().GetSize()));
     out += "\r\n\t\t";
     out += kBanner;
     out += "\r\n\r\n\tRoaming List Type:\t\t";
@@ -324,7 +391,7 @@ std::string RenderRoamingListText(const CRLData& data, int version, bool as1xEV)
     out += kAcqColumns;
     const CRLItemList& acq = data.GetAcqTable().Items();
     for (size_t i = 0; i < acq.GetSize(); ++i) {
-        const auto* item = dynamic_cast<const CAcqItem*>(acq.GetAt(i));
+        const CAcqItem* item = acq.GetAt(i)->AsAcqItem();
         if (!item) throw CTextRenderException("acquisition record " + std::to_string(i) +
                                               ": not an acquisition record");
         RenderRecord(out, *item, i, item->GetAcqType(), "acquisition");
@@ -336,7 +403,7 @@ std::string RenderRoamingListText(const CRLData& data, int version, bool as1xEV)
     out += kSysColumns;
     const CRLItemList& sys = data.GetSysTable().Items();
     for (size_t i = 0; i < sys.GetSize(); ++i) {
-        const auto* item = dynamic_cast<const CSysItem*>(sys.GetAt(i));
+        const CSysItem* item = sys.GetAt(i)->AsSysItem();
         if (!item)
             throw CTextRenderException("system record " + std::to_string(i) + ": not a system record");
         RenderRecord(out, *item, i, item->GetSysType(), "system");

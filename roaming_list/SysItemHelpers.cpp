@@ -1,5 +1,6 @@
 #include "roaming_list/SysItemHelpers.h"
 
+#include <charconv>
 #include <nlohmann/json.hpp>
 
 #include "foundation/MessageTable.h"
@@ -22,7 +23,7 @@ bool IsMissing(const std::string& text) {
     return text.empty() || text == kBadValue;
 }
 
-bool ParseUnsigned(const std::string& text, uint32_t& value) {
+bool ParseUnsigned(std::string_view text, uint32_t& value) {
     if (text.empty()) return false;
     uint64_t v = 0;
     for (char c : text) {
@@ -76,15 +77,20 @@ void ThrowText(const std::string& detail) {
     throw CDataException(DataError::InvalidSysTable, "(" + detail + ")");
 }
 
-uint32_t TextNumber(const std::string& token, uint32_t max, const char* field) {
+uint32_t TextNumber(std::string_view token, uint32_t max, const char* field) {
     uint32_t value = 0;
-    if (!ParseUnsigned(token, value) || value > max)
-        ThrowText(std::string(field) + " \"" + token + "\" is not a number from 0 to " +
-                  std::to_string(max));
+    if (!ParseUnsigned(token, value) || value > max) {
+        std::string detail = field;
+        detail += " \"";
+        detail += token;
+        detail += "\" is not a number from 0 to ";
+        detail += std::to_string(max);
+        ThrowText(detail);
+    }
     return value;
 }
 
-int TextName(const std::string& token, const CNameList& list) {
+int TextName(std::string_view token, const CNameList& list) {
     return list.GetValue(token);
 }
 
@@ -93,6 +99,18 @@ std::string Tab(uint32_t value) {
 }
 std::string Tab(const std::string& text) {
     return text + "\t";
+}
+
+void AppendTab(std::string& out, uint32_t value) {
+    char digits[12];
+    char* end = std::to_chars(digits, digits + sizeof digits - 1, value).ptr;
+    *end++ = '\t';
+    out.append(digits, end);
+}
+
+void AppendTab(std::string& out, std::string_view text) {
+    out += text;
+    out += '\t';
 }
 
 void ThrowJson(const std::string& field, const std::string& problem) {
@@ -171,7 +189,7 @@ int HexDigit(char c) {
     return -1;
 }
 
-bool ParseDigits(const std::string& text, size_t minCount, Digits& digits, bool anyHex,
+bool ParseDigits(std::string_view text, size_t minCount, Digits& digits, bool anyHex,
                  bool wildcard) {
     if (text.size() < minCount || text.size() > 3) return false;
     Digits out{0xF, 0xF, 0xF};
@@ -191,16 +209,16 @@ char DigitChar(uint8_t d) {
 
 }  // namespace
 
-bool ParseMcc(const std::string& text, Digits& digits) {
+bool ParseMcc(std::string_view text, Digits& digits) {
     return ParseDigits(text, 3, digits, false, false);
 }
-bool ParseMnc(const std::string& text, Digits& digits) {
+bool ParseMnc(std::string_view text, Digits& digits) {
     return ParseDigits(text, 2, digits, false, true);
 }
-bool ParseMccLoose(const std::string& text, Digits& digits) {
+bool ParseMccLoose(std::string_view text, Digits& digits) {
     return ParseDigits(text, 3, digits, true, true);
 }
-bool ParseMncLoose(const std::string& text, Digits& digits) {
+bool ParseMncLoose(std::string_view text, Digits& digits) {
     return ParseDigits(text, 2, digits, true, true);
 }
 

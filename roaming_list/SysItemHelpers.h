@@ -3,9 +3,12 @@
 #pragma once
 
 #include <array>
+#include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 
 #include "grid/Grid.h"
 
@@ -20,7 +23,7 @@ std::string CellText(const Grid& grid, int column, int row);
 // Empty, or holding the marker of a value that failed the cell's own check.
 bool IsMissing(const std::string& text);
 // Decimal digits only; values beyond 32 bits saturate, so they still read as out of range.
-bool ParseUnsigned(const std::string& text, uint32_t& value);
+bool ParseUnsigned(std::string_view text, uint32_t& value);
 
 // A number cell: missing or unreadable gives message 140, outside low..high message 139.
 uint32_t GridNumber(const Grid& grid, int column, int row, uint32_t low, uint32_t high);
@@ -34,10 +37,52 @@ void PutText(Grid& grid, int column, int row, const std::string& text, const cha
 
 // Text tokens: a number no larger than `max`, or a name of `list`; a bad number raises the
 // system table's data error naming `field`.
-uint32_t TextNumber(const std::string& token, uint32_t max, const char* field);
-int TextName(const std::string& token, const CNameList& list);
+uint32_t TextNumber(std::string_view token, uint32_t max, const char* field);
+int TextName(std::string_view token, const CNameList& list);
 std::string Tab(uint32_t value);
 std::string Tab(const std::string& text);
+// The same appended to a text being rendered, without a string per field.
+void AppendTab(std::string& out, uint32_t value);
+void AppendTab(std::string& out, std::string_view text);
+
+// Tab-terminated fields gathered on the stack and appended to the text in one piece: with
+// thousands of records, an append per field is most of what rendering a list costs. Flush
+// before anything else writes to `out`.
+class FieldBuffer {
+public:
+    explicit FieldBuffer(std::string& out) : out_(out) {}
+    FieldBuffer(const FieldBuffer&) = delete;
+    FieldBuffer& operator=(const FieldBuffer&) = delete;
+
+    void Add(uint32_t value) {
+        if (sizeof buffer_ - used_ < kNumberRoom) Flush();
+        char* end = std::to_chars(buffer_ + used_, buffer_ + sizeof buffer_, value).ptr;
+        *end++ = '\t';
+        used_ = static_cast<size_t>(end - buffer_);
+    }
+    void Add(std::string_view text) {
+        if (sizeof buffer_ - used_ <= text.size()) {
+            Flush();
+            if (sizeof buffer_ <= text.size()) {
+                AppendTab(out_, text);
+                return;
+            }
+        }
+        std::memcpy(buffer_ + used_, text.data(), text.size());
+        used_ += text.size();
+        buffer_[used_++] = '\t';
+    }
+    void Flush() {
+        out_.append(buffer_, used_);
+        used_ = 0;
+    }
+
+private:
+    static constexpr size_t kNumberRoom = 11;  // ten digits and the tab
+    std::string& out_;
+    char buffer_[128];
+    size_t used_ = 0;
+};
 [[noreturn]] void ThrowText(const std::string& detail);
 
 // JSON fields. A missing required field, a wrong JSON type or a value beyond `max` raises the
@@ -58,12 +103,12 @@ void PutJsonName(nlohmann::json& out, const char* key, const CNameList& list, in
 // its third digit and is shown with two.
 using Digits = std::array<uint8_t, 3>;
 // Exactly three decimal digits (the grid's rule).
-bool ParseMcc(const std::string& text, Digits& digits);
+bool ParseMcc(std::string_view text, Digits& digits);
 // Two or three digits, each decimal or the wildcard 'F' (the grid's rule).
-bool ParseMnc(const std::string& text, Digits& digits);
+bool ParseMnc(std::string_view text, Digits& digits);
 // The same with any hexadecimal digit allowed, so that text and JSON carry every stored value.
-bool ParseMccLoose(const std::string& text, Digits& digits);
-bool ParseMncLoose(const std::string& text, Digits& digits);
+bool ParseMccLoose(std::string_view text, Digits& digits);
+bool ParseMncLoose(std::string_view text, Digits& digits);
 std::string FormatMcc(const Digits& digits);
 std::string FormatMnc(const Digits& digits);
 uint32_t PackDigits(const Digits& digits);  // hundreds first, 12 bits

@@ -120,9 +120,8 @@ uint32_t CSysItemIS2000::ReadTypeFields(CRLFile& file) {
 
 uint32_t CSysItemIS2000::WriteTypeFields(CRLFile& file) const {
     const Ids ids = FileIds();
-    file.WriteBits(1, 0);
-    file.WriteBits(2, ids.nidIncl & 3u);
-    file.WriteBits(15, ids.sid & 0x7FFFu);
+    // The reserved bit, NID_INCL and SID in one field.
+    file.WriteBits(18, ((ids.nidIncl & 3u) << 15) | (ids.sid & 0x7FFFu));
     if (ids.nidIncl != 1) return 18;
     file.WriteBits(16, ids.nid);
     return 34;
@@ -163,10 +162,20 @@ bool CSysItemIS2000::AcceptsAcqType(int acqType, unsigned& refusal) const {
 }
 
 std::string CSysItemIS2000::TypeToText() const {
-    return Tab(sid_) + Tab(nid_) + Tab(nidIncl_);
+    std::string text;
+    CSysItemIS2000::TypeAppendText(text);
+    return text;
 }
 
-void CSysItemIS2000::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemIS2000::TypeAppendText(std::string& out) const {
+    FieldBuffer fields(out);
+    fields.Add(sid_);
+    fields.Add(nid_);
+    fields.Add(nidIncl_);
+    fields.Flush();
+}
+
+void CSysItemIS2000::TypeFromText(std::span<const std::string_view> tokens) {
     if (tokens.size() != 2 && tokens.size() != 3)
         ThrowText("an IS-2000 system record takes SID, NID and NID_INCL");
     sid_ = static_cast<uint16_t>(TextNumber(tokens[0], kMaxSid, "SID"));
@@ -303,10 +312,17 @@ std::vector<std::string> CSysItemIS2000Mcc::TypeHeadings() const {
 }
 
 std::string CSysItemIS2000Mcc::TypeToText() const {
-    return Tab(mcc_) + Tab(imsi_);
+    std::string text;
+    CSysItemIS2000Mcc::TypeAppendText(text);
+    return text;
 }
 
-void CSysItemIS2000Mcc::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemIS2000Mcc::TypeAppendText(std::string& out) const {
+    AppendTab(out, mcc_);
+    AppendTab(out, imsi_);
+}
+
+void CSysItemIS2000Mcc::TypeFromText(std::span<const std::string_view> tokens) {
     if (tokens.size() != 2) ThrowText("a 1x-MCC system record takes MCC and IMSI_11_12");
     mcc_ = static_cast<uint16_t>(TextNumber(tokens[0], 999, "MCC"));
     imsi_ = static_cast<uint8_t>(TextNumber(tokens[1], 99, "IMSI_11_12"));

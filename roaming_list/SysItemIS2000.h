@@ -55,15 +55,17 @@ protected:
     bool AcceptsAcqType(int acqType, unsigned& refusal) const override;
 
     std::string TypeToText() const override;
-    void TypeFromText(const std::vector<std::string>& tokens) override;
+    void TypeAppendText(std::string& out) const override;
+    void TypeFromText(std::span<const std::string_view> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
 
     uint32_t ReadIds(CRLFile& file, bool longFraming);
     void ReadNidJson(const nlohmann::json& in);
 
-    uint16_t sid_ = 0;
+    // NID_INCL first: it fits the byte the common fields leave free (see CSysItem).
     uint8_t nidIncl_ = 0;
+    uint16_t sid_ = 0;
     uint16_t nid_ = 65535;
 };
 
@@ -105,7 +107,8 @@ protected:
     std::vector<std::string> TypeHeadings() const override;
 
     std::string TypeToText() const override;
-    void TypeFromText(const std::vector<std::string>& tokens) override;
+    void TypeAppendText(std::string& out) const override;
+    void TypeFromText(std::span<const std::string_view> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
 

@@ -90,12 +90,13 @@ std::string CSysItemIS856::TypeToText() const {
     return text;
 }
 
-void CSysItemIS856::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemIS856::TypeFromText(std::span<const std::string_view> tokens) {
     if (tokens.empty() || tokens.size() > 2)
         ThrowText("an IS-856 system record takes a subnet and an optional common subnet offset");
     CSubnetId subnet;
-    if (CSubnetId::FromText(tokens[0], subnet) != CSubnetId::Parse::Ok)
-        throw CDataException(DataError::InvalidSubnetId, "(\"" + tokens[0] + "\")");
+    const std::string text(tokens[0]);
+    if (CSubnetId::FromText(text, subnet) != CSubnetId::Parse::Ok)
+        throw CDataException(DataError::InvalidSubnetId, "(\"" + text + "\")");
     subnet_ = subnet;
     commonIncluded_ = tokens.size() == 2;
     commonOffset_ =

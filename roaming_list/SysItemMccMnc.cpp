@@ -265,13 +265,15 @@ std::string CSysItemMccMnc::TypeToText() const {
     return text;
 }
 
-void CSysItemMccMnc::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemMccMnc::TypeFromText(std::span<const std::string_view> tokens) {
     if (tokens.size() < 3) ThrowText("an MCC-MNC system record takes subtype, MCC and MNC");
     const unsigned subtype = TextNumber(tokens[0], kSubnet, "MCC-MNC subtype");
     Digits mcc{};
     Digits mnc{};
-    if (!ParseMccLoose(tokens[1], mcc)) ThrowText("MCC \"" + tokens[1] + "\"");
-    if (!ParseMncLoose(tokens[2], mnc)) ThrowText("MNC \"" + tokens[2] + "\"");
+    if (!ParseMccLoose(tokens[1], mcc))
+        ThrowText(std::string("MCC \"").append(tokens[1]) + "\"");
+    if (!ParseMncLoose(tokens[2], mnc))
+        ThrowText(std::string("MNC \"").append(tokens[2]) + "\"");
     std::vector<uint16_t> sids;
     std::vector<uint16_t> nids;
     std::vector<CSubnetId> subnets;
@@ -288,8 +290,9 @@ void CSysItemMccMnc::TypeFromText(const std::vector<std::string>& tokens) {
         for (size_t i = 0, t = 4; i < count; ++i) {
             if (subtype == kSubnet) {
                 CSubnetId subnet;
-                if (CSubnetId::FromText(tokens[t], subnet) != CSubnetId::Parse::Ok)
-                    throw CDataException(DataError::InvalidSubnetId, "(\"" + tokens[t] + "\")");
+                const std::string text(tokens[t]);
+                if (CSubnetId::FromText(text, subnet) != CSubnetId::Parse::Ok)
+                    throw CDataException(DataError::InvalidSubnetId, "(\"" + text + "\")");
                 subnets.push_back(subnet);
                 ++t;
                 continue;

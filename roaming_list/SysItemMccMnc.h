@@ -63,7 +63,7 @@ protected:
     bool AcceptsAcqType(int acqType, unsigned& refusal) const override;
 
     std::string TypeToText() const override;
-    void TypeFromText(const std::vector<std::string>& tokens) override;
+    void TypeFromText(std::span<const std::string_view> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
 

@@ -198,7 +198,7 @@ std::string CSysItemPlmn::TypeToText() const {
     return text;
 }
 
-void CSysItemPlmn::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemPlmn::TypeFromText(std::span<const std::string_view> tokens) {
     const auto& names = CRLNameTables::Instance();
     if (tokens.empty()) ThrowText("a PLMN system record needs its PLMN type");
     const unsigned type = static_cast<unsigned>(TextName(tokens[0], names.PlmnType()));
@@ -217,8 +217,10 @@ void CSysItemPlmn::TypeFromText(const std::vector<std::string>& tokens) {
         plmnSelect_ = static_cast<uint8_t>(TextName(tokens[1], names.PlmnSelect()));
         return;
     }
-    if (!ParseMccLoose(tokens[1], mcc_)) ThrowText("MCC \"" + tokens[1] + "\"");
-    if (!ParseMncLoose(tokens[2], mnc_)) ThrowText("MNC \"" + tokens[2] + "\"");
+    if (!ParseMccLoose(tokens[1], mcc_))
+        ThrowText(std::string("MCC \"").append(tokens[1]) + "\"");
+    if (!ParseMncLoose(tokens[2], mnc_))
+        ThrowText(std::string("MNC \"").append(tokens[2]) + "\"");
     netSel_ = static_cast<uint8_t>(TextName(tokens[3], names.NetSelMode()));
     if (type == kSingleLac)
         lacs_.push_back(static_cast<uint16_t>(TextNumber(tokens[4], 0xFFFF, "LAC")));

@@ -36,7 +36,7 @@ uint32_t CSysItemSpecial::LongFramingBits() const {
 }
 
 uint32_t CSysItemSpecial::Read(CRLFile& file) {
-    if (file.GetVersion() != 0) version_ = file.GetVersion();
+    if (file.GetVersion() != 0) version_ = static_cast<int8_t>(file.GetVersion());
     if (version_ < 3) return ReadShort(file);
     return ReadTypeFields(file);
 }
@@ -150,11 +150,11 @@ std::string CSysItemSpecial::TypeToText() const {
     return Tab(length_) + Tab(DataHex());
 }
 
-void CSysItemSpecial::TypeFromText(const std::vector<std::string>& tokens) {
+void CSysItemSpecial::TypeFromText(std::span<const std::string_view> tokens) {
     if (tokens.empty() || tokens.size() > 2)
         ThrowText("an undefined system record takes its length and its data");
     const unsigned length = TextNumber(tokens[0], kMaxRecordOctets, "record length");
-    if (!TakeHex(length, tokens.size() == 2 ? tokens[1] : std::string()))
+    if (!TakeHex(length, tokens.size() == 2 ? std::string(tokens[1]) : std::string()))
         ThrowText("the data does not fill a record of " + std::to_string(length) + " octets");
 }
 

@@ -182,8 +182,12 @@ deb() {
     depends=$(dpkg-deb -f "$pkg" Depends)
     echo "Depends: $depends"
     grep -q 'libc6' <<<"$depends" || fail "the package does not depend on libc6"
-    grep -q 'libstdc++6' <<<"$depends" || fail "the package does not depend on libstdc++6"
+    # Opened on first use, so dpkg-shlibdeps cannot see them: the package must name them itself.
+    grep -q 'libxml2' <<<"$depends" || fail "the package does not depend on libxml2"
+    grep -q 'libxlsxwriter4' <<<"$depends" || fail "the package does not depend on libxlsxwriter4"
     if [[ $gui == ON ]]; then
+        # tarn-cli carries its own C++ runtime; the editor does not.
+        grep -q 'libstdc++6' <<<"$depends" || fail "the package does not depend on libstdc++6"
         grep -q 'libqt6widgets6' <<<"$depends" || fail "the package does not depend on Qt Widgets"
         grep -q 'libqt6network6' <<<"$depends" || fail "the package does not depend on Qt Network"
     fi

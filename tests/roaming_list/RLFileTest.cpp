@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -44,6 +46,72 @@ TEST(CRLFile, FieldsPackMostSignificantBitFirstAcrossBytes) {
 
         CRLFile in(c.bytes);
         for (const auto& f : c.fields) EXPECT_EQ(in.ReadBits(f.width), f.value);
+    }
+}
+
+// The carrying rules one bit at a time, as the stream is documented: the model the whole-window
+// reads and writes must agree with wherever a field lands, the last bytes of an image included.
+struct BitModel {
+    std::vector<uint8_t> bytes;
+    uint64_t pos = 0;
+    unsigned offset = 0;
+
+    uint32_t Read(int width) {
+        uint64_t remembered = pos;
+        uint8_t byte = 0;
+        uint32_t value = 0;
+        for (int i = 0; i < width; ++i) {
+            if (offset == 0 || i == 0) {
+                remembered = pos;
+                if (pos < bytes.size()) byte = bytes[pos++];
+            }
+            value = (value << 1) | ((byte >> (7 - offset)) & 1u);
+            offset = (offset + 1) % 8;
+        }
+        if (offset != 0) pos = remembered;
+        return value;
+    }
+    void Write(int width, uint32_t value) {
+        for (int i = 0; i < width; ++i) {
+            if (pos >= bytes.size()) bytes.resize(pos + 1, 0);
+            const uint8_t mask = static_cast<uint8_t>(0x80u >> offset);
+            // The rest of the byte after the first bit written into it is cleared.
+            if (i == 0 || offset == 0) bytes[pos] &= static_cast<uint8_t>(0xFF00u >> offset);
+            if ((value >> (width - 1 - i)) & 1u) bytes[pos] |= mask;
+            if (++offset == 8) offset = 0, ++pos;
+        }
+    }
+};
+
+TEST(CRLFile, EveryFieldAgreesWithTheBitwiseRules) {
+    std::mt19937 random(20261123);
+    for (int round = 0; round < 200; ++round) {
+        SCOPED_TRACE(round);
+        const size_t size = random() % 12;
+        std::vector<uint8_t> image(size);
+        for (auto& b : image) b = static_cast<uint8_t>(random());
+        CRLFile file(image);
+        BitModel model{image};
+        for (int step = 0; step < 40; ++step) {
+            const int width = 1 + static_cast<int>(random() % 32);
+            if (random() % 4 == 0) {
+                // Anywhere in the image or just past it, at any bit.
+                const uint64_t at = random() % (model.bytes.size() + 2);
+                const unsigned bit = random() % 8;
+                file.Seek(at), file.SetBitOffset(bit);
+                model.pos = at, model.offset = bit;
+            }
+            if (random() % 2 == 0) {
+                ASSERT_EQ(file.ReadBits(width), model.Read(width)) << "width " << width;
+            } else {
+                const uint32_t value = static_cast<uint32_t>(random());
+                file.WriteBits(width, value);
+                model.Write(width, value);
+                ASSERT_EQ(file.Bytes(), model.bytes) << "width " << width;
+            }
+            ASSERT_EQ(file.GetPosition(), model.pos);
+            ASSERT_EQ(file.GetBitOffset(), model.offset);
+        }
     }
 }
 
