@@ -79,12 +79,6 @@ const FileKindInfo* FindFileKind(FileKind kind) {
 
 namespace Tarn {
 
-std::vector<std::string> FileDocument::Notices() const {
-    std::vector<std::string> all = LoadNotices();
-    all.insert(all.end(), notices_.begin(), notices_.end());
-    return all;
-}
-
 std::unique_ptr<FileDocument> ReadJsonDocument(const nlohmann::json& json, const std::string& path,
                                                std::string& error) {
     if (!json.is_object()) {

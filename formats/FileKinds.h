@@ -58,7 +58,11 @@ public:
 
     // What the editor tells the user right after loading (an empty table, bytes skipped, the form
     // the file was recognised as), in the order it says them; empty when there is nothing to say.
-    std::vector<std::string> Notices() const;
+    std::vector<std::string> Notices() const {
+        std::vector<std::string> all = LoadNotices();
+        all.insert(all.end(), notices_.begin(), notices_.end());
+        return all;
+    }
     // A notice from whoever read the file, said after the document's own.
     void AddNotice(std::string text) { notices_.push_back(std::move(text)); }
 
