@@ -16,6 +16,27 @@ TEST(Crc16, GenibusCheckValueAndEmptyInput) {
     EXPECT_EQ(Crc16(nullptr, 0), 0x0000);
 }
 
+// Eight bytes are folded in at a time and the rest one by one: every length around those steps, at
+// every alignment, must agree with the CRC computed bit by bit.
+TEST(Crc16, AgreesWithBitwiseAtEveryLengthAndAlignment) {
+    const auto bitwise = [](const uint8_t* p, size_t n) {
+        uint16_t reg = 0xFFFF;
+        for (size_t i = 0; i < n; ++i) {
+            reg = static_cast<uint16_t>(reg ^ (p[i] << 8));
+            for (int bit = 0; bit < 8; ++bit)
+                reg = static_cast<uint16_t>((reg & 0x8000) ? (reg << 1) ^ 0x1021 : reg << 1);
+        }
+        return static_cast<uint16_t>(reg ^ 0xFFFF);
+    };
+    std::mt19937 random(1683);
+    std::vector<uint8_t> bytes(200);
+    for (auto& b : bytes) b = static_cast<uint8_t>(random());
+    for (size_t offset = 0; offset < 8; ++offset)
+        for (size_t length = 0; length + offset <= bytes.size(); ++length)
+            ASSERT_EQ(Crc16(bytes.data() + offset, length), bitwise(bytes.data() + offset, length))
+                << "offset " << offset << ", length " << length;
+}
+
 struct Field {
     int width;
     uint32_t value;
