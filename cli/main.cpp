@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "cli/Command.h"
+#include "cli/HeapReserve.h"
 
 namespace Tarn::Cli {
 
@@ -63,6 +64,7 @@ int main(int argc, char** argv) {
     }
     for (auto& [sub, action] : actions)
         if (sub->parsed()) {
+            ReserveHeap(ExpectedHeap(argc, argv, 2));
             try {
                 return action();
             } catch (const std::exception& e) {

@@ -1,0 +1,56 @@
+#include "cli/HeapReserve.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <malloc.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+// Linux 5.14 and later; older kernels refuse the advice and the heap grows page by page as before.
+#ifndef MADV_POPULATE_WRITE
+#define MADV_POPULATE_WRITE 23
+#endif
+
+namespace Tarn::Cli {
+namespace {
+
+constexpr std::size_t kPage = 4096;
+// A list is read, decoded into records and rendered: a large roaming list's text run peaks near
+// ten times the list's size. Beyond the cap the heap grows as it would anyway.
+constexpr std::size_t kPerInputByte = 20;
+constexpr std::size_t kMaxReserve = std::size_t{32} << 20;
+// Below this the faults saved do not pay for the calls.
+constexpr std::size_t kMinReserve = std::size_t{64} << 10;
+
+}  // namespace
+
+std::size_t ExpectedHeap(int argc, char** argv, int first) {
+    std::size_t total = 0;
+    for (int i = first; i < argc; ++i) {
+        struct stat st {};
+        if (::stat(argv[i], &st) == 0 && S_ISREG(st.st_mode))
+            total += static_cast<std::size_t>(std::min<off_t>(st.st_size, kMaxReserve));
+    }
+    return std::min(total * kPerInputByte, kMaxReserve);
+}
+
+void ReserveHeap(std::size_t bytes) {
+    if (bytes < kMinReserve) return;
+    // Every first touch of a heap page is a fault of its own, and on a virtual machine a fault
+    // costs as much as decoding thousands of records; populating the pages in one call costs a
+    // fraction of that per page. The block is carved from the main heap (not mapped apart, as
+    // large blocks otherwise are) and, once freed, stays there for the verb's own allocations:
+    // the output text and file images included, which would otherwise get fresh mappings.
+    mallopt(M_MMAP_THRESHOLD, static_cast<int>(kMaxReserve * 2));
+    mallopt(M_TRIM_THRESHOLD, static_cast<int>(kMaxReserve * 4));
+    void* block = std::malloc(bytes);
+    if (!block) return;
+    const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kPage - 1) & ~(kPage - 1);
+    const auto end = (reinterpret_cast<std::uintptr_t>(block) + bytes) & ~(kPage - 1);
+    if (end > begin)
+        ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_POPULATE_WRITE);
+    std::free(block);
+}
+
+}  // namespace Tarn::Cli
