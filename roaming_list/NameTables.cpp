@@ -8,6 +8,18 @@ CNameList::CNameList(std::string title, std::vector<Entry> entries, DataError er
     names.reserve(entries_.size());
     for (const auto& e : entries_) names.push_back(e.second);
     choices_ = MakeChoices(std::move(names));
+
+    // The first entry of a value is the one NameView finds.
+    for (size_t i = 0; i < entries_.size(); ++i) {
+        const auto& [value, name] = entries_[i];
+        if (value < 0 || value >= kSlotValues) continue;
+        if (slots_.size() <= static_cast<size_t>(value)) slots_.resize(static_cast<size_t>(value) + 1);
+        Slot& slot = slots_[static_cast<size_t>(value)];
+        if (slot.entry >= 0) continue;
+        slot.entry = static_cast<int16_t>(i);
+        slot.plain = !name.empty() && name != kInvalidName &&
+                     name.find_first_of(" \t\r\n") == std::string::npos;
+    }
 }
 
 std::string CNameList::GetName(int value) const {
