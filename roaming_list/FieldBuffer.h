@@ -10,6 +10,13 @@
 
 namespace Tarn {
 
+// A short text kept with room to spare behind it, so that it is copied in one fixed-size move.
+struct ShortText {
+    static constexpr size_t kRoom = 16;
+    char bytes[kRoom] = {};
+    uint8_t size = 0;
+};
+
 // Tab-terminated fields gathered on the stack and appended to the text in one piece: with
 // thousands of records, an append per field is most of what rendering a list costs. Flush
 // before anything else writes to `out`.
@@ -26,6 +33,12 @@ public:
     void Add(std::string_view text) {
         AddRaw(text);
         AddRaw('\t');
+    }
+    void Add(const ShortText& text) {
+        if (sizeof buffer_ - used_ <= ShortText::kRoom) Flush();
+        std::memcpy(buffer_ + used_, text.bytes, ShortText::kRoom);
+        used_ += text.size;
+        buffer_[used_++] = '\t';
     }
     // Bytes as they are, no tab added.
     void AddRaw(char c) {

@@ -1,5 +1,7 @@
 #include "roaming_list/NameTables.h"
 
+#include <cstring>
+
 namespace Tarn {
 
 CNameList::CNameList(std::string title, std::vector<Entry> entries, DataError error)
@@ -10,15 +12,19 @@ CNameList::CNameList(std::string title, std::vector<Entry> entries, DataError er
     choices_ = MakeChoices(std::move(names));
 
     // The first entry of a value is the one NameView finds.
-    for (size_t i = 0; i < entries_.size(); ++i) {
-        const auto& [value, name] = entries_[i];
-        if (value < 0 || value >= kSlotValues) continue;
-        if (slots_.size() <= static_cast<size_t>(value)) slots_.resize(static_cast<size_t>(value) + 1);
-        Slot& slot = slots_[static_cast<size_t>(value)];
-        if (slot.entry >= 0) continue;
-        slot.entry = static_cast<int16_t>(i);
-        slot.plain = !name.empty() && name != kInvalidName &&
-                     name.find_first_of(" \t\r\n") == std::string::npos;
+    std::vector<bool> seen;
+    for (const auto& [value, name] : entries_) {
+        if (value < 0 || value >= kPlainValues) continue;
+        const auto at = static_cast<size_t>(value);
+        if (seen.size() <= at) seen.resize(at + 1);
+        if (seen[at]) continue;
+        seen[at] = true;
+        if (name.empty() || name.size() >= ShortText::kRoom || name == kInvalidName ||
+            name.find_first_of(" \t\r\n") != std::string::npos)
+            continue;
+        if (plain_.size() <= at) plain_.resize(at + 1);
+        std::memcpy(plain_[at].bytes, name.data(), name.size());
+        plain_[at].size = static_cast<uint8_t>(name.size());
     }
 }
 

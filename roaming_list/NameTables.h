@@ -1,7 +1,6 @@
 // CRLNameTables: every value-to-name list of the roaming list editor, created once on first use.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,6 +8,7 @@
 
 #include "grid/Grid.h"
 #include "roaming_list/DataException.h"
+#include "roaming_list/FieldBuffer.h"
 
 namespace Tarn {
 
@@ -28,17 +28,13 @@ public:
     std::string GetName(int value) const;
     // The same without a copy, for the text renderer.
     std::string_view NameView(int value) const;
-    // The same, clearing `plain` unless the name can stand in a record line as it is: not empty,
-    // not "Invalid", without blanks, tabs or line breaks. A value without a name is never plain.
-    std::string_view TextName(int value, bool& plain) const {
-        if (static_cast<unsigned>(value) < slots_.size()) {
-            const Slot slot = slots_[static_cast<unsigned>(value)];
-            plain = plain && slot.plain;
-            if (slot.entry >= 0) return entries_[static_cast<size_t>(slot.entry)].second;
-            return kInvalidName;
-        }
-        plain = false;
-        return NameView(value);
+    // The name of a value when it can stand in a record line as it is (not empty, not "Invalid",
+    // without blanks, tabs or line breaks) and is short; nothing otherwise, and for a value
+    // without a name.
+    const ShortText* PlainName(int value) const {
+        if (static_cast<unsigned>(value) >= plain_.size()) return nullptr;
+        const ShortText& name = plain_[static_cast<unsigned>(value)];
+        return name.size != 0 ? &name : nullptr;
     }
     bool HasValue(int value) const;
     // The value of a name; an unknown name raises the list's data error.
@@ -48,17 +44,13 @@ public:
     const ChoiceList& Choices() const { return choices_; }
 
 private:
-    // Entries of the small values by value: the names of a record's flags are looked up for every
-    // line of a long table.
-    struct Slot {
-        int16_t entry = -1;  // into entries_, or none
-        bool plain = false;
-    };
-    static constexpr int kSlotValues = 64;
+    // The plain names of the small values by value (size 0 where there is none): the names of a
+    // record's flags are looked up for every line of a long table.
+    static constexpr int kPlainValues = 64;
 
     std::string title_;
     std::vector<Entry> entries_;
-    std::vector<Slot> slots_;
+    std::vector<ShortText> plain_;
     DataError error_;
     ChoiceList choices_;
 };

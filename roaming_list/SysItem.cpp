@@ -256,18 +256,23 @@ std::string CSysItem::ToText() const {
 
 bool CSysItem::AppendText(FieldBuffer& line) const {
     const auto& names = CRLNameTables::Instance();
-    // Numbers always read back as they are; a name does when its table says so.
+    // Numbers always read back as they are; a name does when its table says it is plain.
     bool plain = true;
-    line.Add(names.NegPref().TextName(negPref_, plain));
-    line.Add(names.Geography().TextName(geo_, plain));
-    line.Add(names.Priority().TextName(priority_, plain));
+    const auto name = [&](const CNameList& list, int value) {
+        if (const ShortText* text = list.PlainName(value)) return line.Add(*text);
+        plain = false;
+        line.Add(list.NameView(value));
+    };
+    name(names.NegPref(), negPref_);
+    name(names.Geography(), geo_);
+    name(names.Priority(), priority_);
     line.Add(acqIndex_);
     line.Add(roamInd_);
     if (version_ >= 3) {
-        line.Add(names.AssnIncluded().TextName(assnIncl_, plain));
+        name(names.AssnIncluded(), assnIncl_);
         line.Add(assnTag_);
-        line.Add(names.PnAssn().TextName(pnAssn_, plain));
-        line.Add(names.DataAssn().TextName(dataAssn_, plain));
+        name(names.PnAssn(), pnAssn_);
+        name(names.DataAssn(), dataAssn_);
     }
     return TypeAppendText(line) && plain;
 }
