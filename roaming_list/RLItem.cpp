@@ -41,13 +41,6 @@ size_t RoundUp(size_t size) {
 
 }  // namespace
 
-struct CItemArena::Block {
-    // Records placed here and not yet destroyed, and one more while the arena still fills it.
-    size_t live;
-    size_t capacity;  // bytes after this header
-    std::byte* Bytes() { return reinterpret_cast<std::byte*>(this + 1); }
-};
-
 CItemArena::~CItemArena() {
     if (block_ != nullptr) Release(block_);
 }
@@ -58,26 +51,17 @@ void CItemArena::Release(Block* block) {
     ::operator delete(static_cast<void*>(block));
 }
 
-void* CItemArena::Allocate(size_t size) {
+void* CItemArena::AllocateInNewBlock(size_t need) {
     static_assert(sizeof(Block) % kAlignment == 0, "records start at word bounds");
-    const size_t need = kBlockWord + RoundUp(size);
-    if (block_ == nullptr || block_->capacity - next_ < need) {
-        const size_t capacity =
-            block_ == nullptr ? kFirstBlockBytes : std::min(block_->capacity * 2, kLastBlockBytes);
-        if (need > capacity) return nullptr;
-        void* raw = ::operator new(sizeof(Block) + capacity);
-        Block* fresh = ::new (raw) Block{1, capacity};
-        ASAN_POISON_MEMORY_REGION(fresh->Bytes(), capacity);
-        if (block_ != nullptr) Release(block_);
-        block_ = fresh;
-        next_ = 0;
-    }
-    std::byte* at = block_->Bytes() + next_;
-    next_ += need;
-    ++block_->live;
-    ASAN_UNPOISON_MEMORY_REGION(at, need);
-    std::memcpy(at, &block_, kBlockWord);
-    return at + kBlockWord;
+    const size_t capacity =
+        block_ == nullptr ? kFirstBlockBytes : std::min(block_->capacity * 2, kLastBlockBytes);
+    if (need > capacity) return nullptr;
+    void* raw = ::operator new(sizeof(Block) + capacity);
+    Block* fresh = ::new (raw) Block{1, capacity};
+    if (block_ != nullptr) Release(block_);
+    block_ = fresh;
+    next_ = 0;
+    return Place(need);
 }
 
 void* CItemArena::AllocateOnHeap(size_t size) {
@@ -96,17 +80,13 @@ void CItemArena::Deallocate(void* object, size_t size) {
         ::operator delete(static_cast<void*>(at - kHeapFront));
         return;
     }
-    // A destroyed record's bytes stay unusable until its whole block goes.
+    // A destroyed record's bytes stay unusable until its whole block goes (the arena never places
+    // a record twice in the same bytes).
     ASAN_POISON_MEMORY_REGION(at - kBlockWord, kBlockWord + RoundUp(size));
     Release(block);
 }
 
 void* CRLItem::operator new(size_t size) { return CItemArena::AllocateOnHeap(size); }
-
-void* CRLItem::operator new(size_t size, CItemArena& arena) {
-    if (void* at = arena.Allocate(size)) return at;
-    return CItemArena::AllocateOnHeap(size);
-}
 
 void CRLItem::operator delete(void* p, size_t size) { CItemArena::Deallocate(p, size); }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <span>
@@ -45,16 +46,34 @@ public:
     ~CItemArena();
 
     // Room for an object of `size` bytes behind the word that names its block; nothing when it
-    // would not fit a block, so the caller takes it from the heap instead.
-    void* Allocate(size_t size);
+    // would not fit a block, so the caller takes it from the heap instead. Inline while the
+    // block has room: it is asked once per record.
+    void* Allocate(size_t size) {
+        const size_t need = sizeof(Block*) + (size + kAlignment - 1) / kAlignment * kAlignment;
+        if (block_ == nullptr || block_->capacity - next_ < need) return AllocateInNewBlock(need);
+        return Place(need);
+    }
     // The same from the heap, with a word in front that names no block.
     static void* AllocateOnHeap(size_t size);
     // Gives back the memory of an object of `size` bytes made by either of the above.
     static void Deallocate(void* object, size_t size);
 
 private:
-    struct Block;
+    struct Block {
+        // Records placed here and not yet destroyed, and one more while the arena still fills it.
+        size_t live;
+        size_t capacity;  // bytes after this header
+        std::byte* Bytes() { return reinterpret_cast<std::byte*>(this + 1); }
+    };
     static void Release(Block* block);
+    void* AllocateInNewBlock(size_t need);
+    void* Place(size_t need) {
+        std::byte* at = block_->Bytes() + next_;
+        next_ += need;
+        ++block_->live;
+        std::memcpy(at, &block_, sizeof block_);
+        return at + sizeof block_;
+    }
 
     Block* block_ = nullptr;
     size_t next_ = 0;  // offset of the next free byte in the block
@@ -67,7 +86,10 @@ public:
     // Every record carries, in the word in front of it, the arena block it was placed in or
     // nothing when it came from the heap; delete looks there to give its memory back.
     static void* operator new(size_t size);
-    static void* operator new(size_t size, CItemArena& arena);
+    static void* operator new(size_t size, CItemArena& arena) {
+        if (void* at = arena.Allocate(size)) return at;
+        return CItemArena::AllocateOnHeap(size);
+    }
     static void operator delete(void* p, size_t size);
     // Only called when a constructor throws during `new (arena) T`.
     static void operator delete(void* p, CItemArena& arena);
