@@ -1,5 +1,7 @@
 #include "roaming_list/NameTables.h"
 
+#include <cstring>
+
 namespace Tarn {
 
 CNameList::CNameList(std::string title, std::vector<Entry> entries, DataError error)
@@ -8,6 +10,22 @@ CNameList::CNameList(std::string title, std::vector<Entry> entries, DataError er
     names.reserve(entries_.size());
     for (const auto& e : entries_) names.push_back(e.second);
     choices_ = MakeChoices(std::move(names));
+
+    // The first entry of a value is the one NameView finds.
+    std::vector<bool> seen;
+    for (const auto& [value, name] : entries_) {
+        if (value < 0 || value >= kPlainValues) continue;
+        const auto at = static_cast<size_t>(value);
+        if (seen.size() <= at) seen.resize(at + 1);
+        if (seen[at]) continue;
+        seen[at] = true;
+        if (name.empty() || name.size() >= ShortText::kRoom || name == kInvalidName ||
+            name.find_first_of(" \t\r\n") != std::string::npos)
+            continue;
+        if (plain_.size() <= at) plain_.resize(at + 1);
+        std::memcpy(plain_[at].bytes, name.data(), name.size());
+        plain_[at].size = static_cast<uint8_t>(name.size());
+    }
 }
 
 std::string CNameList::GetName(int value) const {

@@ -8,6 +8,7 @@
 
 #include "grid/Grid.h"
 #include "roaming_list/DataException.h"
+#include "roaming_list/FieldBuffer.h"
 
 namespace Tarn {
 
@@ -27,6 +28,14 @@ public:
     std::string GetName(int value) const;
     // The same without a copy, for the text renderer.
     std::string_view NameView(int value) const;
+    // The name of a value when it can stand in a record line as it is (not empty, not "Invalid",
+    // without blanks, tabs or line breaks) and is short; nothing otherwise, and for a value
+    // without a name.
+    const ShortText* PlainName(int value) const {
+        if (static_cast<unsigned>(value) >= plain_.size()) return nullptr;
+        const ShortText& name = plain_[static_cast<unsigned>(value)];
+        return name.size != 0 ? &name : nullptr;
+    }
     bool HasValue(int value) const;
     // The value of a name; an unknown name raises the list's data error.
     int GetValue(std::string_view name) const;
@@ -35,8 +44,13 @@ public:
     const ChoiceList& Choices() const { return choices_; }
 
 private:
+    // The plain names of the small values by value (size 0 where there is none): the names of a
+    // record's flags are looked up for every line of a long table.
+    static constexpr int kPlainValues = 64;
+
     std::string title_;
     std::vector<Entry> entries_;
+    std::vector<ShortText> plain_;
     DataError error_;
     ChoiceList choices_;
 };

@@ -1,17 +1,107 @@
 #include "roaming_list/RLItem.h"
 
+#include <algorithm>
+#include <cstring>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#if defined(__has_include)
+#if __has_include(<sanitizer/asan_interface.h>)
+#include <sanitizer/asan_interface.h>
+#endif
+#endif
+#ifndef ASAN_POISON_MEMORY_REGION
+#define ASAN_POISON_MEMORY_REGION(addr, size) ((void)(addr), (void)(size))
+#define ASAN_UNPOISON_MEMORY_REGION(addr, size) ((void)(addr), (void)(size))
+#endif
+
 #include "grid/Grid.h"
+#include "roaming_list/FieldBuffer.h"
 #include "roaming_list/RLFile.h"
 
 namespace Tarn {
+
+namespace {
+
+// In front of every record: a word naming its arena block. A heap record's allocation starts a
+// whole default alignment before it, so the record is aligned as ::operator new would align it.
+constexpr size_t kBlockWord = sizeof(void*);
+constexpr size_t kHeapFront = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+static_assert(kHeapFront >= kBlockWord);
+
+// Blocks double from a few records' worth to 64 KB: a short table wastes little, a long one
+// takes few blocks, and none is large enough for the allocator to map it on its own.
+constexpr size_t kFirstBlockBytes = 4096;
+constexpr size_t kLastBlockBytes = 65536;
+
+size_t RoundUp(size_t size) {
+    return (size + CItemArena::kAlignment - 1) / CItemArena::kAlignment * CItemArena::kAlignment;
+}
+
+}  // namespace
+
+CItemArena::~CItemArena() {
+    if (block_ != nullptr) Release(block_);
+}
+
+void CItemArena::Release(Block* block) {
+    if (--block->live != 0) return;
+    ASAN_UNPOISON_MEMORY_REGION(block->Bytes(), block->capacity);
+    ::operator delete(static_cast<void*>(block));
+}
+
+void* CItemArena::AllocateInNewBlock(size_t need) {
+    static_assert(sizeof(Block) % kAlignment == 0, "records start at word bounds");
+    const size_t capacity =
+        block_ == nullptr ? kFirstBlockBytes : std::min(block_->capacity * 2, kLastBlockBytes);
+    if (need > capacity) return nullptr;
+    void* raw = ::operator new(sizeof(Block) + capacity);
+    Block* fresh = ::new (raw) Block{1, capacity};
+    if (block_ != nullptr) Release(block_);
+    block_ = fresh;
+    next_ = 0;
+    return Place(need);
+}
+
+void* CItemArena::AllocateOnHeap(size_t size) {
+    std::byte* raw = static_cast<std::byte*>(::operator new(kHeapFront + size));
+    const Block* none = nullptr;
+    std::memcpy(raw + kHeapFront - kBlockWord, &none, kBlockWord);
+    return raw + kHeapFront;
+}
+
+void CItemArena::Deallocate(void* object, size_t size) {
+    if (object == nullptr) return;
+    std::byte* const at = static_cast<std::byte*>(object);
+    Block* block = nullptr;
+    std::memcpy(&block, at - kBlockWord, kBlockWord);
+    if (block == nullptr) {
+        ::operator delete(static_cast<void*>(at - kHeapFront));
+        return;
+    }
+    // A destroyed record's bytes stay unusable until its whole block goes (the arena never places
+    // a record twice in the same bytes).
+    ASAN_POISON_MEMORY_REGION(at - kBlockWord, kBlockWord + RoundUp(size));
+    Release(block);
+}
+
+void* CRLItem::operator new(size_t size) { return CItemArena::AllocateOnHeap(size); }
+
+void CRLItem::operator delete(void* p, size_t size) { CItemArena::Deallocate(p, size); }
+
+// A constructor that throws leaves no object, so no destructor told delete the record's size; a
+// record in a block gives back its count without it, and the few bytes stay until the block goes.
+void CRLItem::operator delete(void* p, CItemArena&) { CItemArena::Deallocate(p, 0); }
 
 void CRLItem::WriteToGrid(Grid&, int) const {}
 void CRLItem::ReadFromGrid(const Grid&, int, const GridContext&) {}
 bool CRLItem::OnGridHeading(Grid&, int) const { return true; }
 std::string CRLItem::ToText() const { return {}; }
+bool CRLItem::AppendText(FieldBuffer& line) const {
+    line.AddRaw(ToText());
+    return false;
+}
 void CRLItem::FromText(const std::vector<std::string>&) {}
 void CRLItem::FromTokens(std::span<const std::string_view> tokens) {
     FromText(std::vector<std::string>(tokens.begin(), tokens.end()));

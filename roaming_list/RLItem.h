@@ -2,18 +2,22 @@
 // records that every table of every file kind is made of.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Tarn {
 
 class CAcqItem;
 class CRLFile;
+class FieldBuffer;
 class CSysItem;
 class Grid;
 class CRLItemList;
@@ -25,9 +29,70 @@ struct GridContext {
     const CRLItemList* acqTable = nullptr;
 };
 
+// Where the records of a table being read are placed: one block after another, instead of a heap
+// allocation per record, which is most of what reading thousands of records costs. A block is
+// given back when the last record placed in it is destroyed and the arena has moved on, so a
+// record stays an ordinary object owned through std::unique_ptr<CRLItem>: it can be taken out of
+// its table, kept on an undo stack and outlive both table and arena. Not for sharing between
+// threads: the records of one block count down one plain counter.
+class CItemArena {
+public:
+    // Records placed here hold nothing aligned more strictly than this (asserted where placed).
+    static constexpr size_t kAlignment = alignof(void*);
+
+    CItemArena() = default;
+    CItemArena(const CItemArena&) = delete;
+    CItemArena& operator=(const CItemArena&) = delete;
+    ~CItemArena();
+
+    // Room for an object of `size` bytes behind the word that names its block; nothing when it
+    // would not fit a block, so the caller takes it from the heap instead. Inline while the
+    // block has room: it is asked once per record.
+    void* Allocate(size_t size) {
+        const size_t need = sizeof(Block*) + (size + kAlignment - 1) / kAlignment * kAlignment;
+        if (block_ == nullptr || block_->capacity - next_ < need) return AllocateInNewBlock(need);
+        return Place(need);
+    }
+    // The same from the heap, with a word in front that names no block.
+    static void* AllocateOnHeap(size_t size);
+    // Gives back the memory of an object of `size` bytes made by either of the above.
+    static void Deallocate(void* object, size_t size);
+
+private:
+    struct Block {
+        // Records placed here and not yet destroyed, and one more while the arena still fills it.
+        size_t live;
+        size_t capacity;  // bytes after this header
+        std::byte* Bytes() { return reinterpret_cast<std::byte*>(this + 1); }
+    };
+    static void Release(Block* block);
+    void* AllocateInNewBlock(size_t need);
+    void* Place(size_t need) {
+        std::byte* at = block_->Bytes() + next_;
+        next_ += need;
+        ++block_->live;
+        std::memcpy(at, &block_, sizeof block_);
+        return at + sizeof block_;
+    }
+
+    Block* block_ = nullptr;
+    size_t next_ = 0;  // offset of the next free byte in the block
+};
+
 class CRLItem {
 public:
     virtual ~CRLItem() = default;
+
+    // Every record carries, in the word in front of it, the arena block it was placed in or
+    // nothing when it came from the heap; delete looks there to give its memory back.
+    static void* operator new(size_t size);
+    static void* operator new(size_t size, CItemArena& arena) {
+        if (void* at = arena.Allocate(size)) return at;
+        return CItemArena::AllocateOnHeap(size);
+    }
+    static void operator delete(void* p, size_t size);
+    // Only called when a constructor throws during `new (arena) T`.
+    static void operator delete(void* p, CItemArena& arena);
 
     // The record as an acquisition or a system record, or nothing: the text renderer asks once
     // per record, where a dynamic_cast would cost more than the record's own fields.
@@ -58,8 +123,11 @@ public:
     // FromText over views into the line itself, so a table of thousands of lines is read without
     // copying its fields; this default copies them and calls FromText.
     virtual void FromTokens(std::span<const std::string_view> tokens);
-    // ToText appended to `out`; records of large tables render straight into the whole text.
-    virtual void AppendText(std::string& out) const { out += ToText(); }
+    // ToText added to a line being rendered; records of large tables add their fields to it
+    // directly. True when the record vouches that every field it added reads back as it is (none
+    // blank, "Invalid" or holding a tab or line break), so the renderer need not look at them
+    // again; this default adds ToText and vouches for nothing.
+    virtual bool AppendText(FieldBuffer& line) const;
 
     // JSON form: the record's fields as one object (the caller adds what identifies the record).
     virtual void ToJson(nlohmann::json& out) const;
@@ -73,6 +141,14 @@ public:
     virtual ~CReadHelper() = default;
     virtual std::unique_ptr<CRLItem> CreateItem(CRLFile& file) = 0;
 };
+
+// A record of type T made in `arena`, or on the heap without one.
+template <typename T, typename... Args>
+std::unique_ptr<T> MakeItem(CItemArena* arena, Args&&... args) {
+    static_assert(alignof(T) <= CItemArena::kAlignment, "an arena places records at word bounds");
+    if (arena == nullptr) return std::make_unique<T>(std::forward<Args>(args)...);
+    return std::unique_ptr<T>(new (*arena) T(std::forward<Args>(args)...));
+}
 
 class CRLItemList {
 public:

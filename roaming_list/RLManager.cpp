@@ -103,20 +103,25 @@ uint64_t CRLManager::StopBit() const {
     return (start + (listLength_ >= 2 ? listLength_ - 2u : 0)) * 8;
 }
 
-uint32_t CRLManager::ReadAcqTable(CRLFile& file) {
-    auto helper = CreateAcqReadHelper();
-    CRLItemList& items = data_->GetAcqTable().Items();
-    uint32_t bits = data_->GetAcqTable().Read(file, *helper, StopBit());
-    if (items.GetSize() != items.GetAnnouncedCount()) throw CDataException(DataError::InvalidAcqTable);
-    return bits;
+bool CRLManager::Refuse(DataError code, const std::string& detail) {
+    CDataException fault = detail.empty() ? CDataException(code) : CDataException(code, detail);
+    if (!stopPastEnd_) throw fault;
+    lastError_ = fault.what();
+    return false;
 }
 
-uint32_t CRLManager::ReadSysTable(CRLFile& file) {
+bool CRLManager::ReadAcqTable(CRLFile& file) {
+    auto helper = CreateAcqReadHelper();
+    CRLItemList& items = data_->GetAcqTable().Items();
+    data_->GetAcqTable().Read(file, *helper, StopBit());
+    return items.GetSize() == items.GetAnnouncedCount() || Refuse(DataError::InvalidAcqTable);
+}
+
+bool CRLManager::ReadSysTable(CRLFile& file) {
     auto helper = CreateSysReadHelper();
     CRLItemList& items = data_->GetSysTable().Items();
-    uint32_t bits = data_->GetSysTable().Read(file, *helper, StopBit());
-    if (items.GetSize() != items.GetAnnouncedCount()) throw CDataException(DataError::InvalidSysTable);
-    return bits;
+    data_->GetSysTable().Read(file, *helper, StopBit());
+    return items.GetSize() == items.GetAnnouncedCount() || Refuse(DataError::InvalidSysTable);
 }
 
 bool CRLManager::ReadList(CRLFile& file) {
@@ -128,8 +133,7 @@ bool CRLManager::ReadList(CRLFile& file) {
     file.Seek(start);
     file.SetBitOffset(0);
     ReadHeader(file);
-    ReadAcqTable(file);
-    ReadSysTable(file);
+    if (!ReadAcqTable(file) || !ReadSysTable(file)) return false;
 
     // A full read ends where the list ends: only zero padding may stand before the CRC. Without
     // this check an earlier version would happily "read" a later version's list as nonsense.
@@ -138,13 +142,13 @@ bool CRLManager::ReadList(CRLFile& file) {
     if ((consumedBits + 7) / 8 != bodyBytes) {
         lastError_ = consumedBits / 8 < bodyBytes ? "The records end before the list does."
                                                   : "The records run past the end of the list.";
-        throw CDataException(DataError::InvalidSysTable, "(" + lastError_ + ")");
+        return Refuse(DataError::InvalidSysTable, "(" + lastError_ + ")");
     }
     if (file.GetBitOffset() != 0) {
         uint8_t last = file.Bytes()[static_cast<size_t>(file.GetPosition())];
         if ((last & (0xFFu >> file.GetBitOffset())) != 0) {
             lastError_ = "The padding after the last record is not zero.";
-            throw CDataException(DataError::InvalidSysTable, "(" + lastError_ + ")");
+            return Refuse(DataError::InvalidSysTable, "(" + lastError_ + ")");
         }
     }
     return true;
@@ -271,7 +275,7 @@ std::unique_ptr<CRLItem> CReadHelperAcqA::CreateItem(CRLFile& file) {
 }
 
 std::unique_ptr<CRLItem> CReadHelperSysA::CreateItem(CRLFile&) {
-    return CreateSysItem(0, version_);
+    return CreateSysItem(0, version_, 0, &arena_);
 }
 
 std::unique_ptr<CRLItem> CReadHelperAcqC::CreateItem(CRLFile& file) {
@@ -281,8 +285,9 @@ std::unique_ptr<CRLItem> CReadHelperAcqC::CreateItem(CRLFile& file) {
 std::unique_ptr<CRLItem> CReadHelperSysC::CreateItem(CRLFile& file) {
     // Known records rely on their own widths; the length only lets an undefined record keep its
     // opaque bytes.
-    const int length = static_cast<int>(file.ReadBits(5));
-    return CreateSysItem(static_cast<int>(file.ReadBits(4)), version_, length);
+    const uint32_t lengthAndType = file.ReadBits(9);
+    return CreateSysItem(static_cast<int>(lengthAndType & 0xFu), version_,
+                         static_cast<int>(lengthAndType >> 4), &arena_);
 }
 
 std::unique_ptr<CRLManager> CRLClassFactoryA::CreateManager() const {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "roaming_list/DataException.h"
 #include "roaming_list/RLData.h"
 #include "roaming_list/RLItem.h"
 
@@ -49,7 +50,8 @@ public:
     // Reads header and both tables. Succeeds only on a full read: the records end where the list
     // ends, with nothing but zero padding (fewer than 8 bits) before the CRC. Raises
     // CDataException when a record type is unknown to this version or the records run short or
-    // long. Call ValidateFile first.
+    // long; told to stop past the end (see SetStopPastEnd), returns false with the exception's
+    // text in GetLastError() instead. Call ValidateFile first.
     virtual bool ReadList(CRLFile& file);
     // Writes the whole list from byte 0 (never with the prefix); false when the pre-write check
     // refuses the list or it would not fit the 16-bit size field.
@@ -59,8 +61,9 @@ public:
     virtual std::unique_ptr<CReadHelper> CreateSysReadHelper() const = 0;
 
     virtual uint32_t ReadHeader(CRLFile& file);
-    virtual uint32_t ReadAcqTable(CRLFile& file);
-    virtual uint32_t ReadSysTable(CRLFile& file);
+    // False (or CDataException, as ReadList) when fewer records were read than announced.
+    virtual bool ReadAcqTable(CRLFile& file);
+    virtual bool ReadSysTable(CRLFile& file);
     virtual uint32_t WriteHeader(CRLFile& file);
     virtual uint32_t WriteAcqTable(CRLFile& file);
     virtual uint32_t WriteSysTable(CRLFile& file);
@@ -73,8 +76,10 @@ public:
     // binary version: detection checks size and CRC once, not once per version.
     void AdoptValidation(const CRLManager& other);
     // With this set, ReadList gives up as soon as the records pass the end of the list, which a
-    // full read never does, instead of reading on to the first fault. Detection sets it for every
-    // version but the last, whose fault is the one it reports.
+    // full read never does, instead of reading on to the first fault, and reports a fault by
+    // its result rather than an exception. Detection sets it for every version but the last,
+    // whose fault is the one it reports: most lists are refused by one or two versions before
+    // theirs, and an exception per refusal would cost more than reading the list.
     void SetStopPastEnd(bool stop) { stopPastEnd_ = stop; }
 
     bool IsPrefixed() const { return prefixed_; }
@@ -86,6 +91,9 @@ public:
 protected:
     // Where ReadList gives up when told to stop past the end: the bit after the list's records.
     uint64_t StopBit() const;
+    // A fault of the list being read: raised, or when told to stop past the end, kept as the
+    // last error for a false result.
+    bool Refuse(DataError code, const std::string& detail = {});
 
     std::unique_ptr<CRLData> data_;
     bool prefixed_ = false;
@@ -149,6 +157,7 @@ private:
     int version_;
 };
 
+// The system read helpers place the records of the table they read in an arena of their own.
 class CReadHelperSysA : public CReadHelper {
 public:
     explicit CReadHelperSysA(int version) : version_(version) {}
@@ -156,6 +165,7 @@ public:
 
 private:
     int version_;
+    CItemArena arena_;
 };
 
 class CReadHelperAcqC : public CReadHelper {
@@ -174,6 +184,7 @@ public:
 
 private:
     int version_;
+    CItemArena arena_;
 };
 
 // Stateless per-version factories of the version's objects.

@@ -12,6 +12,7 @@
 #include "foundation/MessageTable.h"
 #include "roaming_list/AcqItem.h"
 #include "roaming_list/DataException.h"
+#include "roaming_list/FieldBuffer.h"
 #include "roaming_list/NameTables.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/SysItem.h"
@@ -322,25 +323,30 @@ void RenderRecord(std::string& out, const CRLItem& item, size_t index, int type,
         throw CTextRenderException(std::string(table) + " record " + std::to_string(index) + ": " +
                                    why);
     };
-    // "\t<index>\t<type>\t" in one append; the fields go straight into the text after it and are
-    // checked where they landed.
-    char head[48];
-    char* p = head;
-    *p++ = '\t';
-    p = std::to_chars(p, p + 20, index).ptr;
-    *p++ = '\t';
-    p = std::to_chars(p, p + 10, static_cast<unsigned>(type)).ptr;
-    *p++ = '\t';
-    out.append(head, p);
+    // "\t<index>\t<type>\t", the fields and the line's end gather in one buffer; a record that
+    // vouches for its fields goes into the text in one append, unchecked.
     const size_t start = out.size();
+    FieldBuffer line(out);
+    line.AddRaw('\t');
+    line.AddCount(index);
+    line.Add(static_cast<uint32_t>(type));
+    const size_t headLength = line.Used();
+    bool vouched = false;
     try {
-        item.AppendText(out);
+        vouched = item.AppendText(line);
     } catch (const std::exception& e) {
         refuse(e.what());
     }
-    // A line break anywhere is reported before a bad field.
-    const char* const begin = out.data() + start;
-    const size_t length = out.size() - start;
+    if (vouched) {
+        line.AddRaw("\r\n");
+        line.Flush();
+        return;
+    }
+    line.Flush();
+    // The others are checked where they landed. A line break anywhere is reported before a bad
+    // field.
+    const char* const begin = out.data() + start + headLength;
+    const size_t length = out.size() - start - headLength;
     if (std::memchr(begin, '\n', length) || std::memchr(begin, '\r', length))
         refuse("a field holds a line break");
     // Then the first blank or nameless field, if the line can hold one at all. The empty piece

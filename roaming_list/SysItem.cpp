@@ -78,11 +78,14 @@ uint32_t CSysItem::WriteShort(CRLFile&) const {
                              " cannot be written in an IS-683A or IS-683B list)");
 }
 
+// Neighbouring fields are read together and taken apart here, as they are written: the same
+// bits in fewer calls.
 uint32_t CSysItem::ReadCommonHead(CRLFile& file) {
-    negPref_ = static_cast<uint8_t>(file.ReadBits(1));
-    geo_ = static_cast<uint8_t>(file.ReadBits(1));
-    priority_ = static_cast<uint8_t>(file.ReadBits(1));
-    acqIndex_ = static_cast<uint16_t>(file.ReadBits(9));
+    const uint32_t head = file.ReadBits(12);
+    negPref_ = static_cast<uint8_t>(head >> 11);
+    geo_ = static_cast<uint8_t>((head >> 10) & 1u);
+    priority_ = static_cast<uint8_t>((head >> 9) & 1u);
+    acqIndex_ = static_cast<uint16_t>(head & 0x1FFu);
     return 12;
 }
 
@@ -93,18 +96,21 @@ uint32_t CSysItem::WriteCommonHead(CRLFile& file) const {
 }
 
 uint32_t CSysItem::ReadCommonTail(CRLFile& file) {
-    uint32_t bits = 0;
+    uint32_t bits = 1;
     roamInd_ = 0;
     if (IsPreferred()) {
-        roamInd_ = static_cast<uint8_t>(file.ReadBits(8));
+        const uint32_t tail = file.ReadBits(9);
+        roamInd_ = static_cast<uint8_t>(tail >> 1);
+        assnIncl_ = static_cast<uint8_t>(tail & 1u);
         bits += 8;
+    } else {
+        assnIncl_ = static_cast<uint8_t>(file.ReadBits(1));
     }
-    assnIncl_ = static_cast<uint8_t>(file.ReadBits(1));
-    bits += 1;
     if (assnIncl_ == 1) {
-        assnTag_ = static_cast<uint8_t>(file.ReadBits(8));
-        pnAssn_ = static_cast<uint8_t>(file.ReadBits(1));
-        dataAssn_ = static_cast<uint8_t>(file.ReadBits(1));
+        const uint32_t assn = file.ReadBits(10);
+        assnTag_ = static_cast<uint8_t>(assn >> 2);
+        pnAssn_ = static_cast<uint8_t>((assn >> 1) & 1u);
+        dataAssn_ = static_cast<uint8_t>(assn & 1u);
         bits += 10;
     }
     return bits;
@@ -242,26 +248,38 @@ size_t CSysItem::CommonTokenCount() const {
 
 std::string CSysItem::ToText() const {
     std::string text;
-    AppendText(text);
+    FieldBuffer line(text);
+    AppendText(line);
+    line.Flush();
     return text;
 }
 
-void CSysItem::AppendText(std::string& out) const {
+bool CSysItem::AppendText(FieldBuffer& line) const {
     const auto& names = CRLNameTables::Instance();
-    FieldBuffer line(out);
-    line.Add(names.NegPref().NameView(negPref_));
-    line.Add(names.Geography().NameView(geo_));
-    line.Add(names.Priority().NameView(priority_));
+    // Numbers always read back as they are; a name does when its table says it is plain.
+    bool plain = true;
+    const auto name = [&](const CNameList& list, int value) {
+        if (const ShortText* text = list.PlainName(value)) return line.Add(*text);
+        plain = false;
+        line.Add(list.NameView(value));
+    };
+    name(names.NegPref(), negPref_);
+    name(names.Geography(), geo_);
+    name(names.Priority(), priority_);
     line.Add(acqIndex_);
     line.Add(roamInd_);
     if (version_ >= 3) {
-        line.Add(names.AssnIncluded().NameView(assnIncl_));
+        name(names.AssnIncluded(), assnIncl_);
         line.Add(assnTag_);
-        line.Add(names.PnAssn().NameView(pnAssn_));
-        line.Add(names.DataAssn().NameView(dataAssn_));
+        name(names.PnAssn(), pnAssn_);
+        name(names.DataAssn(), dataAssn_);
     }
-    line.Flush();
-    TypeAppendText(out);
+    return TypeAppendText(line) && plain;
+}
+
+bool CSysItem::TypeAppendText(FieldBuffer& line) const {
+    line.AddRaw(TypeToText());
+    return false;
 }
 
 void CSysItem::FromText(const std::vector<std::string>& given) {

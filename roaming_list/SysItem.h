@@ -85,7 +85,7 @@ public:
     bool OnGridHeading(Grid& grid, int event) const override;
 
     std::string ToText() const override;
-    void AppendText(std::string& out) const override;
+    bool AppendText(FieldBuffer& line) const override;
     void FromText(const std::vector<std::string>& tokens) override;
     void FromTokens(std::span<const std::string_view> tokens) override;
 
@@ -121,8 +121,9 @@ protected:
     void CheckAcqType(int row, const GridContext& context) const;
 
     // Text: the type's fields, each tab-terminated; and the tokens that follow the common ones.
+    // TypeAppendText vouches for its fields as AppendText does; this default does not.
     virtual std::string TypeToText() const = 0;
-    virtual void TypeAppendText(std::string& out) const { out += TypeToText(); }
+    virtual bool TypeAppendText(FieldBuffer& line) const;
     virtual void TypeFromText(std::span<const std::string_view> tokens) = 0;
 
     virtual void TypeToJson(nlohmann::json& out) const = 0;
@@ -159,7 +160,9 @@ protected:
 // record's 5-bit length as read in front of it (versions 3..5), so a record the editor does not
 // model can keep its opaque bytes; 0 when unknown, that is when the record is made for a grid
 // row or a text line rather than read from a file. Type 14 (1x-MCC) is made only then: on file
-// such a record is an IS-2000 record, so a type 14 read from a file has no class.
-std::unique_ptr<CSysItem> CreateSysItem(int type, int version, int lengthOctets = 0);
+// such a record is an IS-2000 record, so a type 14 read from a file has no class. With an
+// `arena` the record is placed there (see CItemArena).
+std::unique_ptr<CSysItem> CreateSysItem(int type, int version, int lengthOctets = 0,
+                                        CItemArena* arena = nullptr);
 
 }  // namespace Tarn

@@ -3,14 +3,13 @@
 #pragma once
 
 #include <array>
-#include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 
 #include "grid/Grid.h"
+#include "roaming_list/FieldBuffer.h"
 
 namespace Tarn {
 
@@ -45,44 +44,6 @@ std::string Tab(const std::string& text);
 void AppendTab(std::string& out, uint32_t value);
 void AppendTab(std::string& out, std::string_view text);
 
-// Tab-terminated fields gathered on the stack and appended to the text in one piece: with
-// thousands of records, an append per field is most of what rendering a list costs. Flush
-// before anything else writes to `out`.
-class FieldBuffer {
-public:
-    explicit FieldBuffer(std::string& out) : out_(out) {}
-    FieldBuffer(const FieldBuffer&) = delete;
-    FieldBuffer& operator=(const FieldBuffer&) = delete;
-
-    void Add(uint32_t value) {
-        if (sizeof buffer_ - used_ < kNumberRoom) Flush();
-        char* end = std::to_chars(buffer_ + used_, buffer_ + sizeof buffer_, value).ptr;
-        *end++ = '\t';
-        used_ = static_cast<size_t>(end - buffer_);
-    }
-    void Add(std::string_view text) {
-        if (sizeof buffer_ - used_ <= text.size()) {
-            Flush();
-            if (sizeof buffer_ <= text.size()) {
-                AppendTab(out_, text);
-                return;
-            }
-        }
-        std::memcpy(buffer_ + used_, text.data(), text.size());
-        used_ += text.size();
-        buffer_[used_++] = '\t';
-    }
-    void Flush() {
-        out_.append(buffer_, used_);
-        used_ = 0;
-    }
-
-private:
-    static constexpr size_t kNumberRoom = 11;  // ten digits and the tab
-    std::string& out_;
-    char buffer_[128];
-    size_t used_ = 0;
-};
 [[noreturn]] void ThrowText(const std::string& detail);
 
 // JSON fields. A missing required field, a wrong JSON type or a value beyond `max` raises the

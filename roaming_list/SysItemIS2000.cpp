@@ -51,9 +51,10 @@ void CSysItemIS2000::TakeNid(unsigned nid) {
 uint32_t CSysItemIS2000::ReadIds(CRLFile& file, bool longFraming) {
     uint32_t bits = 0;
     if (longFraming) {
-        file.ReadBits(1);  // reserved
-        nidIncl_ = static_cast<uint8_t>(file.ReadBits(2));
-        sid_ = static_cast<uint16_t>(file.ReadBits(15));
+        // The reserved bit, NID_INCL and SID in one field, as written.
+        const uint32_t ids = file.ReadBits(18);
+        nidIncl_ = static_cast<uint8_t>((ids >> 15) & 3u);
+        sid_ = static_cast<uint16_t>(ids & 0x7FFFu);
         bits = 18;
     } else {
         sid_ = static_cast<uint16_t>(file.ReadBits(15));
@@ -163,16 +164,17 @@ bool CSysItemIS2000::AcceptsAcqType(int acqType, unsigned& refusal) const {
 
 std::string CSysItemIS2000::TypeToText() const {
     std::string text;
-    CSysItemIS2000::TypeAppendText(text);
+    FieldBuffer line(text);
+    CSysItemIS2000::TypeAppendText(line);
+    line.Flush();
     return text;
 }
 
-void CSysItemIS2000::TypeAppendText(std::string& out) const {
-    FieldBuffer fields(out);
-    fields.Add(sid_);
-    fields.Add(nid_);
-    fields.Add(nidIncl_);
-    fields.Flush();
+bool CSysItemIS2000::TypeAppendText(FieldBuffer& line) const {
+    line.Add(sid_);
+    line.Add(nid_);
+    line.Add(nidIncl_);
+    return true;
 }
 
 void CSysItemIS2000::TypeFromText(std::span<const std::string_view> tokens) {
@@ -313,13 +315,16 @@ std::vector<std::string> CSysItemIS2000Mcc::TypeHeadings() const {
 
 std::string CSysItemIS2000Mcc::TypeToText() const {
     std::string text;
-    CSysItemIS2000Mcc::TypeAppendText(text);
+    FieldBuffer line(text);
+    CSysItemIS2000Mcc::TypeAppendText(line);
+    line.Flush();
     return text;
 }
 
-void CSysItemIS2000Mcc::TypeAppendText(std::string& out) const {
-    AppendTab(out, mcc_);
-    AppendTab(out, imsi_);
+bool CSysItemIS2000Mcc::TypeAppendText(FieldBuffer& line) const {
+    line.Add(mcc_);
+    line.Add(imsi_);
+    return true;
 }
 
 void CSysItemIS2000Mcc::TypeFromText(std::span<const std::string_view> tokens) {

@@ -55,7 +55,7 @@ protected:
     bool AcceptsAcqType(int acqType, unsigned& refusal) const override;
 
     std::string TypeToText() const override;
-    void TypeAppendText(std::string& out) const override;
+    bool TypeAppendText(FieldBuffer& line) const override;
     void TypeFromText(std::span<const std::string_view> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;
@@ -107,7 +107,7 @@ protected:
     std::vector<std::string> TypeHeadings() const override;
 
     std::string TypeToText() const override;
-    void TypeAppendText(std::string& out) const override;
+    bool TypeAppendText(FieldBuffer& line) const override;
     void TypeFromText(std::span<const std::string_view> tokens) override;
     void TypeToJson(nlohmann::json& out) const override;
     void TypeFromJson(const nlohmann::json& in) override;

@@ -239,5 +239,72 @@ TEST(DetectVersion, ListsWithRecordsAreTakenAsTheLowestVersionThatReadsThemWhole
     }
 }
 
+// Detection asks every version but the last to refuse a list by its result rather than by an
+// exception: the text it reports must be the one the same version raises when asked alone, and
+// a list no version reads is reported with the last version's fault.
+TEST(ReadList, AFaultIsReportedWithTheTextItIsRaisedWith) {
+    std::vector<uint8_t> strayByte = PackBits({{16, 0}, {16, 1}, {1, 0}, {8, 0}, {9, 0}, {14, 0}});
+    strayByte.push_back(0x00);
+    std::vector<uint8_t> badPadding = PackBits({{16, 0}, {16, 1}, {1, 0}, {8, 0}, {9, 0}, {14, 0}});
+    badPadding.push_back(0x08);
+    // An IS-683C list whose acquisition record is of type 6: read as a short-form list its type
+    // field holds 0, a type no version has.
+    nlohmann::json j = {{"version", "IS-683C"},
+                        {"header", {{"prefListId", 1}, {"prefOnly", true}, {"defRoamInd", 1}}},
+                        {"acquisitionTable", {{{"type", 6}, {"channels", {25}}}}},
+                        {"systemTable", nlohmann::json::array()}};
+    int version = 0;
+    auto data = ListFromJson(j, version);
+    auto writer = CreateClassFactory(version)->CreateManager();
+    writer->AttachData(data);
+    CRLFile longList;
+    ASSERT_TRUE(writer->WriteList(longList)) << writer->GetLastError();
+
+    struct Case {
+        const char* name;
+        std::vector<uint8_t> bytes;
+        int version;
+    } cases[] = {
+        {"records end before the list", Seal(strayByte), 1},
+        {"padding not zero", Seal(badPadding), 2},
+        {"acquisition type unknown", longList.Bytes(), 1},
+        {"acquisition type unknown", longList.Bytes(), 2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.name) + " in version " + std::to_string(c.version));
+        CRLFile file(c.bytes);
+        auto alone = CreateClassFactory(c.version)->CreateManager();
+        ASSERT_TRUE(alone->ValidateFile(file));
+        std::string raised;
+        try {
+            alone->ReadList(file);
+        } catch (const std::exception& e) {
+            raised = e.what();
+        }
+        ASSERT_FALSE(raised.empty());
+        auto asked = CreateClassFactory(c.version)->CreateManager();
+        ASSERT_TRUE(asked->ValidateFile(file));
+        asked->SetStopPastEnd(true);
+        EXPECT_FALSE(asked->ReadList(file));
+        EXPECT_EQ(asked->GetLastError(), raised);
+    }
+
+    for (const auto& bytes : {Seal(strayByte), Seal(badPadding)}) {
+        CRLFile file(bytes);
+        auto last = CreateClassFactory(kMaxVersion)->CreateManager();
+        ASSERT_TRUE(last->ValidateFile(file));
+        std::string raised;
+        try {
+            last->ReadList(file);
+        } catch (const std::exception& e) {
+            raised = e.what();
+        }
+        const DetectResult r = DetectVersion(file);
+        EXPECT_FALSE(r.manager);
+        EXPECT_FALSE(raised.empty());
+        EXPECT_EQ(r.error, raised);
+    }
+}
+
 }  // namespace
 }  // namespace Tarn

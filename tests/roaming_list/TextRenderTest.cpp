@@ -6,6 +6,7 @@
 
 #include "roaming_list/AcqItem.h"
 #include "roaming_list/RLManagerText.h"
+#include "roaming_list/SysItem.h"
 
 namespace Tarn {
 namespace {
@@ -67,6 +68,52 @@ TEST(TextRender, RecordLinesAreCheckedWhereTheyLand) {
                       std::string::npos);
         } catch (const CTextRenderException& e) {
             EXPECT_EQ(e.Detail(), "acquisition record 1: " + std::string(c.refusal));
+        }
+    }
+}
+
+// A system record vouches for its own line and skips the check; one whose flag has no name must
+// not, and is refused as any other record line would be.
+TEST(TextRender, SystemRecordsWithNamelessFlagsAreStillRefused) {
+    struct Case {
+        int type;
+        int version;
+        void (*edit)(CSysItem&);
+        const char* line;     // the record's fields as rendered, or
+        const char* refusal;  // why the record is refused
+    };
+    const auto none = [](CSysItem&) {};
+    const std::vector<Case> cases = {
+        {0, 3, none, "Pref\tNew\tSame\t0\t0\tNo\t0\tNo\tNo\t0\t65535\t0\t", ""},
+        {0, 1, none, "Pref\tNew\tSame\t0\t0\t0\t65535\t0\t", ""},
+        {14, 3, none, "Pref\tNew\tSame\t0\t0\tNo\t0\tNo\tNo\t0\t0\t", ""},
+        {0, 3, [](CSysItem& r) { r.SetNegPref(2); }, "", "field 1 has no name"},
+        {0, 3, [](CSysItem& r) { r.SetGeography(7); }, "", "field 2 has no name"},
+        {0, 3, [](CSysItem& r) { r.SetPriority(64); }, "", "field 3 has no name"},
+        {0, 3, [](CSysItem& r) { r.SetAssnIncluded(2); }, "", "field 6 has no name"},
+        {0, 3, [](CSysItem& r) { r.SetPnAssn(255); }, "", "field 8 has no name"},
+        {14, 5, [](CSysItem& r) { r.SetDataAssn(3); }, "", "field 9 has no name"},
+        {0, 1, [](CSysItem& r) { r.SetGeography(2); }, "", "field 2 has no name"},
+        // Version 1 shows no association fields, so nothing nameless is rendered.
+        {0, 1, [](CSysItem& r) { r.SetAssnIncluded(2); },
+         "Pref\tNew\tSame\t0\t0\t0\t65535\t0\t", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.type) + "/" + std::to_string(c.version) + " " + c.refusal);
+        std::unique_ptr<CSysItem> record = CreateSysItem(c.type, c.version);
+        ASSERT_TRUE(record);
+        c.edit(*record);
+        const std::string fields = record->ToText();
+        CRLData data;
+        data.GetSysTable().Items().Add(std::move(record));
+        try {
+            const std::string text = RenderRoamingListText(data, c.version);
+            EXPECT_EQ(std::string(c.refusal), "");
+            const std::string line = "\t0\t" + std::to_string(c.type) + "\t" + c.line + "\r\n";
+            EXPECT_EQ(text.substr(text.size() - line.size()), line);
+            EXPECT_EQ(fields, c.line);
+        } catch (const CTextRenderException& e) {
+            EXPECT_EQ(e.Detail(), "system record 0: " + std::string(c.refusal));
         }
     }
 }
