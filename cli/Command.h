@@ -2,10 +2,13 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstddef>
 #include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
+
+#include "cli/HeapReserve.h"
 
 namespace Tarn::Cli {
 
@@ -19,14 +22,17 @@ inline constexpr int kExitUsage = 2;
 using CommandSetup = std::function<std::function<int()>(CLI::App& app)>;
 
 // Collects the verbs in a fixed order (by `order`, then name) however the linker orders files.
+// `heapPerInputByte`: the heap the verb builds, per byte of the files it is given (HeapReserve.h).
 struct CommandRegistrar {
-    CommandRegistrar(int order, std::string name, CommandSetup setup);
+    CommandRegistrar(int order, std::string name, CommandSetup setup,
+                     std::size_t heapPerInputByte = kHeapPerInputByte);
 };
 
 struct RegisteredCommand {
     int order;
     std::string name;
     CommandSetup setup;
+    std::size_t heapPerInputByte;
 };
 std::vector<RegisteredCommand>& Commands();
 

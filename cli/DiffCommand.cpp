@@ -59,6 +59,7 @@ int Diff(const std::string& a, const std::string& b, int part, bool json, const 
     return cmp->Same() ? kExitOk : kExitFailure;
 }
 
+// The heap per byte of both binary lists: their records, keys and pairings, some 60 bytes.
 const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
     struct Args {
         std::string a, b, color = "auto";
@@ -79,7 +80,7 @@ const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
     args->providers.AddTo(sub);
     return std::function<int()>(
         [args] { return Diff(args->a, args->b, args->part, args->json, args->color, args->providers); });
-});
+}, 48);
 
 }  // namespace
 }  // namespace Tarn::Cli

@@ -5,7 +5,12 @@
 #include <cstdlib>
 #include <malloc.h>
 #include <sys/mman.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "formats/ContentSniff.h"
 
 // Linux 5.14 and later; older kernels refuse the advice and the heap grows page by page as before.
 #ifndef MADV_POPULATE_WRITE
@@ -16,23 +21,41 @@ namespace Tarn::Cli {
 namespace {
 
 constexpr std::size_t kPage = 4096;
-// A list is read, decoded into records and rendered: a large roaming list's text run peaks near
-// ten times the list's size. Beyond the cap the heap grows as it would anyway.
-constexpr std::size_t kPerInputByte = 20;
+// Beyond the cap the heap grows as it would anyway.
 constexpr std::size_t kMaxReserve = std::size_t{32} << 20;
 // Below this the faults saved do not pay for the calls.
 constexpr std::size_t kMinReserve = std::size_t{64} << 10;
+// Enough of a file's start to tell its form.
+constexpr std::size_t kSniffBytes = 512;
+
+// A verb's figure is per byte of a binary file. The same list as a text form is about six times
+// as many bytes, as JSON some sixty; so many fewer bytes of heap per byte of file.
+std::size_t FormDivisor(const char* path) {
+    std::vector<uint8_t> head(kSniffBytes);
+    const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return 1;
+    const ssize_t got = ::read(fd, head.data(), head.size());
+    ::close(fd);
+    head.resize(got > 0 ? static_cast<size_t>(got) : 0);
+    switch (SniffContent(head)) {
+        case ContentForm::Json: return 60;
+        case ContentForm::RoamingListText: return 6;
+        case ContentForm::Binary: break;
+    }
+    return 1;
+}
 
 }  // namespace
 
-std::size_t ExpectedHeap(int argc, char** argv, int first) {
+std::size_t ExpectedHeap(int argc, char** argv, int first, std::size_t perInputByte) {
     std::size_t total = 0;
     for (int i = first; i < argc; ++i) {
         struct stat st {};
-        if (::stat(argv[i], &st) == 0 && S_ISREG(st.st_mode))
-            total += static_cast<std::size_t>(std::min<off_t>(st.st_size, kMaxReserve));
+        if (::stat(argv[i], &st) != 0 || !S_ISREG(st.st_mode)) continue;
+        const auto size = static_cast<std::size_t>(std::min<off_t>(st.st_size, kMaxReserve));
+        total += size * perInputByte / FormDivisor(argv[i]);
     }
-    return std::min(total * kPerInputByte, kMaxReserve);
+    return std::min(total, kMaxReserve);
 }
 
 void ReserveHeap(std::size_t bytes) {

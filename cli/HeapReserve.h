@@ -9,8 +9,14 @@ namespace Tarn::Cli {
 // touched, and keeps blocks of any size on that heap. A no-op where the system cannot do it.
 void ReserveHeap(std::size_t bytes);
 
-// What a verb working on the files named in argv[first..argc) is expected to need: a multiple of
-// their total size, within bounds.
-std::size_t ExpectedHeap(int argc, char** argv, int first);
+// What a verb working on the files named in argv[first..argc) is expected to need: `perInputByte`
+// times their total size, counted as binary lists (a text form or JSON counts for less), within
+// bounds. A verb's own figure is its measured peak on large lists,
+// rounded down: a page reserved and never used costs a few microseconds, one left to fault about
+// five times that.
+std::size_t ExpectedHeap(int argc, char** argv, int first, std::size_t perInputByte);
+
+// The figure of verbs that hold one list and print a little about it.
+inline constexpr std::size_t kHeapPerInputByte = 10;
 
 }  // namespace Tarn::Cli

@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "cli/Command.h"
-#include "cli/HeapReserve.h"
 
 namespace Tarn::Cli {
 
@@ -13,8 +12,9 @@ std::vector<RegisteredCommand>& Commands() {
     return commands;
 }
 
-CommandRegistrar::CommandRegistrar(int order, std::string name, CommandSetup setup) {
-    Commands().push_back({order, std::move(name), std::move(setup)});
+CommandRegistrar::CommandRegistrar(int order, std::string name, CommandSetup setup,
+                                   std::size_t heapPerInputByte) {
+    Commands().push_back({order, std::move(name), std::move(setup), heapPerInputByte});
 }
 
 void PrintError(const std::string& context, const std::string& message) {
@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
     }
     for (auto& [sub, action] : actions)
         if (sub->parsed()) {
-            ReserveHeap(ExpectedHeap(argc, argv, 2));
+            if (named) ReserveHeap(ExpectedHeap(argc, argv, 2, named->heapPerInputByte));
             try {
                 return action();
             } catch (const std::exception& e) {
