@@ -152,6 +152,12 @@ std::unique_ptr<CRLItem> CRLItemList::ReplaceAt(size_t index, std::unique_ptr<CR
 
 uint32_t CRLItemList::Read(CRLFile& file, CReadHelper& helper, uint64_t stopBit) {
     uint32_t total = 0;
+    // Room for the records the header announces, but no more than the bytes left could hold (a
+    // record takes at least one), so a forged count cannot make a large table out of a small file.
+    const uint64_t at = file.GetPosition() * 8 + file.GetBitOffset();
+    const uint64_t end = std::min(stopBit, file.GetLength() * 8);
+    const uint64_t fit = end > at ? (end - at) / 8 + 1 : 1;
+    items_.reserve(items_.size() + static_cast<size_t>(std::min<uint64_t>(announced_, fit)));
     for (uint32_t i = 0; i < announced_; ++i) {
         std::unique_ptr<CRLItem> item = helper.CreateItem(file);
         if (!item) return 0;
