@@ -47,13 +47,13 @@ std::size_t FormDivisor(const char* path) {
 
 }  // namespace
 
-std::size_t ExpectedHeap(int argc, char** argv, int first, std::size_t perInputByte) {
+std::size_t ExpectedHeap(const std::vector<std::string>& inputs, std::size_t perInputByte) {
     std::size_t total = 0;
-    for (int i = first; i < argc; ++i) {
+    for (const auto& path : inputs) {
         struct stat st {};
-        if (::stat(argv[i], &st) != 0 || !S_ISREG(st.st_mode)) continue;
+        if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) continue;
         const auto size = static_cast<std::size_t>(std::min<off_t>(st.st_size, kMaxReserve));
-        total += size * perInputByte / FormDivisor(argv[i]);
+        total += size * perInputByte / FormDivisor(path.c_str());
     }
     return std::min(total, kMaxReserve);
 }

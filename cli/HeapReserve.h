@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 namespace Tarn::Cli {
 
@@ -9,12 +11,12 @@ namespace Tarn::Cli {
 // touched, and keeps blocks of any size on that heap. A no-op where the system cannot do it.
 void ReserveHeap(std::size_t bytes);
 
-// What a verb working on the files named in argv[first..argc) is expected to need: `perInputByte`
-// times their total size, counted as binary lists (a text form or JSON counts for less), within
-// bounds. A verb's own figure is its measured peak on large lists,
+// What a verb working on `inputs` (the files its arguments name; anything else is skipped) is
+// expected to need: `perInputByte` times their total size, counted as binary lists (a text form or
+// JSON counts for less), within bounds. A verb's own figure is its measured peak on large lists,
 // rounded down: a page reserved and never used costs a few microseconds, one left to fault about
 // five times that.
-std::size_t ExpectedHeap(int argc, char** argv, int first, std::size_t perInputByte);
+std::size_t ExpectedHeap(const std::vector<std::string>& inputs, std::size_t perInputByte);
 
 // The figure of verbs that hold one list and print a little about it.
 inline constexpr std::size_t kHeapPerInputByte = 10;

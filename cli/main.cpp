@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "cli/Command.h"
 
@@ -64,7 +66,15 @@ int main(int argc, char** argv) {
     }
     for (auto& [sub, action] : actions)
         if (sub->parsed()) {
-            if (named) ReserveHeap(ExpectedHeap(argc, argv, 2, named->heapPerInputByte));
+            // The verb's positional arguments are its input files; option values (an output,
+            // a provider database, a policy) are not what it builds its structures from.
+            if (named) {
+                std::vector<std::string> inputs;
+                for (const CLI::Option* option : sub->get_options())
+                    if (option->get_positional())
+                        for (const auto& value : option->results()) inputs.push_back(value);
+                ReserveHeap(ExpectedHeap(inputs, named->heapPerInputByte));
+            }
             try {
                 return action();
             } catch (const std::exception& e) {
