@@ -65,7 +65,9 @@ void ReserveHeap(std::size_t bytes) {
     // fraction of that per page. The block is carved from the main heap (not mapped apart, as
     // large blocks otherwise are) and, once freed, stays there for the verb's own allocations:
     // the output text and file images included, which would otherwise get fresh mappings.
-    mallopt(M_MMAP_THRESHOLD, static_cast<int>(kMaxReserve * 2));
+    // A C library that will not keep blocks this large on the heap would map the reserve apart and
+    // unmap it on free, wasting it.
+    if (mallopt(M_MMAP_THRESHOLD, static_cast<int>(kMaxReserve * 2)) == 0) return;
     mallopt(M_TRIM_THRESHOLD, static_cast<int>(kMaxReserve * 4));
     void* block = std::malloc(bytes);
     if (!block) return;
