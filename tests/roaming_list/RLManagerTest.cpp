@@ -5,6 +5,7 @@
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLJson.h"
 #include "roaming_list/RLManager.h"
+#include "tests/roaming_list/ListSamples.h"
 #include "tests/support/ListBytes.h"
 
 namespace Tarn {
@@ -254,11 +255,8 @@ TEST(ReadList, AFaultIsReportedWithTheTextItIsRaisedWith) {
                         {"acquisitionTable", {{{"type", 6}, {"channels", {25}}}}},
                         {"systemTable", nlohmann::json::array()}};
     int version = 0;
-    auto data = ListFromJson(j, version);
-    auto writer = CreateClassFactory(version)->CreateManager();
-    writer->AttachData(data);
-    CRLFile longList;
-    ASSERT_TRUE(writer->WriteList(longList)) << writer->GetLastError();
+    const std::vector<uint8_t> longList = ListSamples::Binary(*ListFromJson(j, version), version);
+    ASSERT_FALSE(longList.empty());
 
     struct Case {
         const char* name;
@@ -267,8 +265,8 @@ TEST(ReadList, AFaultIsReportedWithTheTextItIsRaisedWith) {
     } cases[] = {
         {"records end before the list", Seal(strayByte), 1},
         {"padding not zero", Seal(badPadding), 2},
-        {"acquisition type unknown", longList.Bytes(), 1},
-        {"acquisition type unknown", longList.Bytes(), 2},
+        {"acquisition type unknown", longList, 1},
+        {"acquisition type unknown", longList, 2},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.name) + " in version " + std::to_string(c.version));
