@@ -122,6 +122,40 @@ json HeaderJson(const std::vector<HeaderChange>& header) {
 
 }  // namespace
 
+bool LoadListPair(const std::string& pathA, const std::string& pathB, int part,
+                  std::unique_ptr<LoadedList>& listA, std::unique_ptr<LoadedList>& listB,
+                  std::string& error) {
+    if (!Readable(pathA, error) || !Readable(pathB, error)) return false;
+    if (part != 1 && part != 2) {
+        error = "--part must be 1 or 2";
+        return false;
+    }
+    for (const std::string* path : {&pathA, &pathB})
+        if (IsMmss(KindForOpen(*path))) {
+            const FileKindInfo* info = FindFileKind(KindForOpen(*path));
+            error = *path + " is an " + (info ? info->name : std::string("MMSS")) +
+                    " file: only roaming lists have a behaviour to compare";
+            return false;
+        }
+    // The part picks a list of each concatenated file; a plain list beside it is taken whole,
+    // so the second list of a release can be checked against the list it was built from.
+    auto load = [part, &error](const std::string& path) {
+        auto list = LoadRoamingList(path, error, 1);
+        if (list && part == 2 && list->form == ListForm::Concatenated) list = LoadRoamingList(path, error, 2);
+        return list;
+    };
+    listA = load(pathA);
+    if (!listA) return false;
+    listB = load(pathB);
+    if (!listB) return false;
+    if (part == 2 && listA->form != ListForm::Concatenated && listB->form != ListForm::Concatenated) {
+        error = "--part 2 asks for the second list of a concatenated roaming list, and neither " + pathA +
+                " nor " + pathB + " is one";
+        return false;
+    }
+    return true;
+}
+
 std::unique_ptr<FileComparison> CompareFiles(const std::string& pathA, const std::string& pathB,
                                              int part, std::string& error) {
     if (!Readable(pathA, error) || !Readable(pathB, error)) return nullptr;
@@ -132,23 +166,7 @@ std::unique_ptr<FileComparison> CompareFiles(const std::string& pathA, const std
     const FileKind kindA = KindForOpen(pathA), kindB = KindForOpen(pathB);
     auto result = std::make_unique<FileComparison>();
     if (!IsMmss(kindA) && !IsMmss(kindB)) {
-        // The part picks a list of each concatenated file; a plain list beside it is taken whole,
-        // so the second list of a release can be checked against the list it was built from.
-        auto load = [part, &error](const std::string& path) {
-            auto list = LoadRoamingList(path, error, 1);
-            if (list && part == 2 && list->form == ListForm::Concatenated) list = LoadRoamingList(path, error, 2);
-            return list;
-        };
-        result->listA = load(pathA);
-        if (!result->listA) return nullptr;
-        result->listB = load(pathB);
-        if (!result->listB) return nullptr;
-        if (part == 2 && result->listA->form != ListForm::Concatenated &&
-            result->listB->form != ListForm::Concatenated) {
-            error = "--part 2 asks for the second list of a concatenated roaming list, and neither " +
-                    pathA + " nor " + pathB + " is one";
-            return nullptr;
-        }
+        if (!LoadListPair(pathA, pathB, part, result->listA, result->listB, error)) return nullptr;
         result->list = DiffLists(*result->listA->data, result->listA->version,
                                  *result->listB->data, result->listB->version);
         return result;

@@ -31,6 +31,13 @@ struct FileComparison {
     bool Same() const { return roamingLists ? list.Same() : mmss.Same(); }
 };
 
+// Reads two roaming lists to compare, in any of their forms: `part` (1 or 2) picks the list of
+// each concatenated file, a plain list is taken whole, and part 2 needs one concatenated file.
+// False, with one clear line in `error`, when a file is missing, unreadable or not a roaming list.
+bool LoadListPair(const std::string& pathA, const std::string& pathB, int part,
+                  std::unique_ptr<LoadedList>& listA, std::unique_ptr<LoadedList>& listB,
+                  std::string& error);
+
 // Reads and compares the files at `pathA` and `pathB`; `part` (1 or 2) picks the list of each
 // concatenated roaming list (a plain list is taken whole; part 2 needs one concatenated file). Nothing, with one clear line in `error`, when a file is missing or
 // unreadable, when the two are of different kinds, or when `part` does not apply.

@@ -121,22 +121,7 @@ void FinishFindings(std::vector<Finding>& findings, const Policy* policy) {
 namespace {
 
 std::string DescribeIdentity(const ListFacts& facts, size_t i) {
-    const CSysItem& sys = facts.System(i);
-    switch (sys.GetSysType()) {
-        case 0: {
-            const auto& r = static_cast<const CSysItemIS2000&>(sys);
-            return "SID " + std::to_string(r.GetSid()) + " NID " +
-                   std::to_string(EffectiveNid(r.GetNidIncl(), r.GetNid()));
-        }
-        case 14: {
-            const auto& r = static_cast<const CSysItemIS2000Mcc&>(sys);
-            char text[40];
-            std::snprintf(text, sizeof text, "MCC %03u IMSI_11_12 %02u", r.GetMcc(), r.GetImsi());
-            return text;
-        }
-        case 1: return "subnet " + static_cast<const CSysItemIS856&>(sys).GetSubnet().ToText();
-        default: return "type " + std::to_string(sys.GetSysType()) + " record (" + facts.IdentityKey(i) + ")";
-    }
+    return SystemIdentityText(facts.System(i));
 }
 
 }  // namespace

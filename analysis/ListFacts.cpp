@@ -1,5 +1,6 @@
 #include "analysis/ListFacts.h"
 
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "analysis/Observation.h"
@@ -73,6 +74,25 @@ std::string SystemIdentityKey(const CSysItem& record) {
             for (uint8_t b : r.GetData()) key.append(" ").append(std::to_string(b));
             return key;
         }
+    }
+}
+
+std::string SystemIdentityText(const CSysItem& record) {
+    switch (record.GetSysType()) {
+        case 0: {
+            const auto& r = static_cast<const CSysItemIS2000&>(record);
+            return "SID " + std::to_string(r.GetSid()) + " NID " +
+                   std::to_string(EffectiveNid(r.GetNidIncl(), r.GetNid()));
+        }
+        case 14: {
+            const auto& r = static_cast<const CSysItemIS2000Mcc&>(record);
+            char text[40];
+            std::snprintf(text, sizeof text, "MCC %03u IMSI_11_12 %02u", r.GetMcc(), r.GetImsi());
+            return text;
+        }
+        case 1: return "subnet " + static_cast<const CSysItemIS856&>(record).GetSubnet().ToText();
+        default:
+            return "type " + std::to_string(record.GetSysType()) + " record (" + SystemIdentityKey(record) + ")";
     }
 }
 

@@ -75,6 +75,9 @@ std::string AcquisitionLine(const ListFacts& facts, size_t acqIndex);
 // The identity and content keys of single records, for callers holding records without a list.
 std::string SystemIdentityKey(const CSysItem& record);
 std::string AcqContentKey(const CAcqItem& record);
+// The system a record names, as a reviewer reads it: "SID 4106 NID 65535", "MCC 310 IMSI_11_12 00",
+// "subnet 2001:db8::/32", or the type and identity key for the other types.
+std::string SystemIdentityText(const CSysItem& record);
 // The association fields as one comparable text: nothing when not included, else tag, PN and data.
 std::string AssociationKey(const CSysItem& record);
 

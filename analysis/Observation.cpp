@@ -216,4 +216,59 @@ std::optional<int> MatchSpecificity(const CSysItem& record, const Observation& o
     }
 }
 
+namespace {
+
+std::optional<unsigned> DecimalMcc(const std::array<uint8_t, 3>& digits) {
+    unsigned value = 0;
+    for (uint8_t d : digits) {
+        if (d > 9) return std::nullopt;
+        value = value * 10 + d;
+    }
+    return value;
+}
+
+}  // namespace
+
+void AddNamedSystems(const CSysItem& record, NamedSystems& out) {
+    switch (record.GetSysType()) {
+        case 0: {
+            const auto& r = static_cast<const CSysItemIS2000&>(record);
+            out.sids.push_back({r.GetSid(), EffectiveNid(r.GetNidIncl(), r.GetNid())});
+            break;
+        }
+        case 14: {
+            // Matches an MNC whose first two digits read as IMSI_11_12; values past 999 and 99
+            // name nothing an observation can hold.
+            const auto& r = static_cast<const CSysItemIS2000Mcc&>(record);
+            if (r.GetMcc() <= 999 && r.GetImsi() <= 99)
+                out.mccs.push_back({r.GetMcc(), {static_cast<uint8_t>(r.GetImsi() / 10),
+                                                 static_cast<uint8_t>(r.GetImsi() % 10), 0xF}});
+            break;
+        }
+        case 1: out.subnets.push_back(static_cast<const CSysItemIS856&>(record).GetSubnet()); break;
+        case 2: {
+            const auto& r = static_cast<const CSysItemPlmn&>(record);
+            if (r.GetPlmnType() == 0) break;
+            if (auto mcc = DecimalMcc(r.GetMcc())) out.mccs.push_back({*mcc, r.GetMnc()});
+            break;
+        }
+        case 3: {
+            const auto& r = static_cast<const CSysItemMccMnc&>(record);
+            if (auto mcc = DecimalMcc(r.GetMcc())) out.mccs.push_back({*mcc, r.GetMnc()});
+            if (r.GetSubtype() == CSysItemMccMnc::kSid || r.GetSubtype() == CSysItemMccMnc::kSidNid) {
+                const auto& sids = r.GetSids();
+                const auto& nids = r.GetNids();
+                for (size_t i = 0; i < sids.size(); ++i)
+                    out.sids.push_back({sids[i], r.GetSubtype() == CSysItemMccMnc::kSidNid && i < nids.size()
+                                                     ? nids[i]
+                                                     : kWildcardNid});
+            }
+            if (r.GetSubtype() == CSysItemMccMnc::kSubnet)
+                for (const auto& subnet : r.GetSubnets()) out.subnets.push_back(subnet);
+            break;
+        }
+        default: break;
+    }
+}
+
 }  // namespace Tarn::Analysis

@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "roaming_list/SysItemSubnet.h"
 
 namespace Tarn {
 class CSysItem;
@@ -50,6 +53,26 @@ bool ParseBoundedNumber(const std::string& text, unsigned max, const char* what,
 // When `record` names the observed system, how specifically it does so (higher wins: a stated
 // NID over the wildcard, more stated MNC digits, a longer subnet prefix); nothing otherwise.
 std::optional<int> MatchSpecificity(const CSysItem& record, const Observation& observation);
+
+// What records state about the systems they name, gathered to walk every observation that could
+// tell records apart: each SID with the NID a record states for it (kWildcardNid for any NID),
+// each MCC with the MNC digits a record states (0xF where a digit is not stated, or as third digit
+// where the MNC has two), and each subnet prefix. Read by the same rule as MatchSpecificity, so
+// that an observation no entry here names is matched by no record.
+struct NamedSystems {
+    struct SidNid {
+        unsigned sid = 0;
+        unsigned nid = 0;
+    };
+    struct MccMnc {
+        unsigned mcc = 0;                // 0..999
+        std::array<uint8_t, 3> mnc{};
+    };
+    std::vector<SidNid> sids;
+    std::vector<MccMnc> mccs;
+    std::vector<CSubnetId> subnets;
+};
+void AddNamedSystems(const CSysItem& record, NamedSystems& out);
 
 // The NID an IS-2000 record stands for: NID_INCL 0 is the wildcard 65535, 2 is NID 0, 1 the
 // stored NID.

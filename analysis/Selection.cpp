@@ -7,25 +7,10 @@
 #include <sstream>
 
 #include "roaming_list/RLData.h"
-#include "roaming_list/SysItemIS2000.h"
-#include "roaming_list/SysItemIS856.h"
-#include "roaming_list/SysItemMccMnc.h"
-#include "roaming_list/SysItemPlmn.h"
-#include "roaming_list/SysItemSubnet.h"
+#include "roaming_list/SysItem.h"
 
 namespace Tarn::Analysis {
 namespace {
-
-// An MCC stored as three digits, as a number; nothing when a digit is not decimal (such a record
-// names no system an observation can describe).
-std::optional<unsigned> MccValue(const std::array<uint8_t, 3>& digits) {
-    unsigned value = 0;
-    for (uint8_t d : digits) {
-        if (d > 9) return std::nullopt;
-        value = value * 10 + d;
-    }
-    return value;
-}
 
 void AddOnce(std::vector<size_t>& bucket, size_t index) {
     // Records are indexed in list order, so a record listing one key twice is its bucket's last.
@@ -47,42 +32,17 @@ const char* VerdictName(Verdict verdict) {
 Selector::Selector(const CRLData& data) : data_(data), facts_(data) {
     // Every bucket holds the records that could name an observation with that key; the rule
     // itself (MatchSpecificity) still decides, so a bucket may say too much but never too little.
+    NamedSystems named;
     for (size_t i = 0; i < facts_.SystemCount(); ++i) {
-        const CSysItem& record = facts_.System(i);
-        switch (record.GetSysType()) {
-            case 0:
-                AddOnce(bySid_[static_cast<const CSysItemIS2000&>(record).GetSid()], i);
-                break;
-            case 14:
-                AddOnce(byMcc_[static_cast<const CSysItemIS2000Mcc&>(record).GetMcc()], i);
-                break;
-            case 1: {
-                const CSubnetId& subnet = static_cast<const CSysItemIS856&>(record).GetSubnet();
-                if (subnet.length >= 16) AddOnce(bySubnetWord_[subnet.words[0]], i);
-                else AddOnce(shortSubnets_, i);
-                break;
-            }
-            case 2: {
-                const auto& r = static_cast<const CSysItemPlmn&>(record);
-                if (r.GetPlmnType() == 0) break;  // "Select Mode" names no network
-                if (auto mcc = MccValue(r.GetMcc())) AddOnce(byMcc_[*mcc], i);
-                break;
-            }
-            case 3: {
-                const auto& r = static_cast<const CSysItemMccMnc&>(record);
-                // Every subtype answers to its MCC and MNC; the SID and subnet subtypes also
-                // answer to the systems they list.
-                if (auto mcc = MccValue(r.GetMcc())) AddOnce(byMcc_[*mcc], i);
-                if (r.GetSubtype() == CSysItemMccMnc::kSid || r.GetSubtype() == CSysItemMccMnc::kSidNid)
-                    for (uint16_t sid : r.GetSids()) AddOnce(bySid_[sid], i);
-                if (r.GetSubtype() == CSysItemMccMnc::kSubnet)
-                    for (const CSubnetId& subnet : r.GetSubnets()) {
-                        if (subnet.length >= 16) AddOnce(bySubnetWord_[subnet.words[0]], i);
-                        else AddOnce(shortSubnets_, i);
-                    }
-                break;
-            }
-            default: break;
+        named.sids.clear();
+        named.mccs.clear();
+        named.subnets.clear();
+        AddNamedSystems(facts_.System(i), named);
+        for (const auto& s : named.sids) AddOnce(bySid_[s.sid], i);
+        for (const auto& m : named.mccs) AddOnce(byMcc_[m.mcc], i);
+        for (const auto& subnet : named.subnets) {
+            if (subnet.length >= 16) AddOnce(bySubnetWord_[subnet.words[0]], i);
+            else AddOnce(shortSubnets_, i);
         }
     }
 }
@@ -115,9 +75,8 @@ std::vector<size_t> Selector::Candidates(const Observation& o) const {
     return out;
 }
 
-SelectionResult Selector::Select(const Observation& o) const {
-    SelectionResult result;
-    result.observation = o;
+std::vector<SelectionCandidate> Selector::Matches(const Observation& o) const {
+    std::vector<SelectionCandidate> out;
     const bool channelKnown = o.band && o.channel;
     for (size_t i : Candidates(o)) {
         std::optional<int> specificity = MatchSpecificity(facts_.System(i), o);
@@ -126,10 +85,19 @@ SelectionResult Selector::Select(const Observation& o) const {
         c.index = i;
         c.specificity = *specificity;
         if (channelKnown) c.covers = facts_.SystemCoverage(i).Covers(*o.band, *o.channel);
-        c.geo = facts_.Facts(i).geo;
-        c.level = facts_.Facts(i).level;
-        c.preferred = facts_.Facts(i).preferred;
-        result.candidates.push_back(c);
+        out.push_back(c);
+    }
+    return out;
+}
+
+SelectionResult Selector::Decide(const Observation& o) const {
+    SelectionResult result;
+    result.observation = o;
+    result.candidates = Matches(o);
+    for (auto& c : result.candidates) {
+        c.geo = facts_.Facts(c.index).geo;
+        c.level = facts_.Facts(c.index).level;
+        c.preferred = facts_.Facts(c.index).preferred;
     }
 
     const CPropData& header = data_.GetProperties();
@@ -170,14 +138,18 @@ SelectionResult Selector::Select(const Observation& o) const {
     result.match = match;
     result.verdict = winner->preferred ? Verdict::Preferred : Verdict::Negative;
     result.roamInd = match.roamInd;
+    return result;
+}
 
-    // The handset stays on what it found but keeps scanning for what its GEO ranks higher: for a
-    // preferred system, the preferred records of a lower level; for a negative one, every
-    // preferred record of the GEO.
-    const auto [first, last] = facts_.GeoRange(winner->geo);
+SelectionResult Selector::Select(const Observation& o) const {
+    SelectionResult result = Decide(o);
+    if (!result.match) return result;
+    // The handset stays on what it found but keeps scanning for what its GEO ranks higher.
+    const SelectionMatch& m = *result.match;
+    const auto [first, last] = facts_.GeoRange(m.geo);
     for (size_t i = first; i < last; ++i) {
         const SystemFacts& f = facts_.Facts(i);
-        if (!f.preferred || (winner->preferred && f.level >= winner->level)) continue;
+        if (!KeepsLookingFor(f, m.preferred, m.level)) continue;
         result.morePreferred.push_back({i, f.level, facts_.SystemCoverage(i)});
     }
     return result;

@@ -70,6 +70,13 @@ struct SelectionResult {
     std::optional<unsigned> roamInd;
 };
 
+// Whether a handset that settled on a record of a GEO (preferred or negative, at `winnerLevel`)
+// keeps looking for another record of that GEO: for a negative winner every preferred record,
+// for a preferred one the preferred records of a lower level.
+inline bool KeepsLookingFor(const SystemFacts& other, bool winnerPreferred, int winnerLevel) {
+    return other.preferred && (!winnerPreferred || other.level < winnerLevel);
+}
+
 // Answers observations against one list. Built once per list: the system table is indexed by SID,
 // by MCC and by subnet, so an observation touches only the records that could name it. Holds
 // references into `data`, which must outlive the selector and not change while it is used.
@@ -78,6 +85,12 @@ public:
     explicit Selector(const CRLData& data);
 
     SelectionResult Select(const Observation& observation) const;
+    // The verdict, the winner and every record naming the system, without the more preferred
+    // systems: what a caller asking many observations needs, at the cost of the matches alone.
+    SelectionResult Decide(const Observation& observation) const;
+    // Every record that names the observed system, in list order, with its specificity and
+    // whether it scans the observed channel; GEO, level and loss are left for Decide to fill.
+    std::vector<SelectionCandidate> Matches(const Observation& observation) const;
     const ListFacts& Facts() const { return facts_; }
 
 private:

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "analysis/Behaviour.h"
 #include "analysis/DiffReport.h"
 #include "analysis/Providers.h"
 #include "cli/Command.h"
@@ -23,6 +24,25 @@ bool UseColor(const std::string& when) {
     const char* term = std::getenv("TERM");
     if (term && std::string(term) == "dumb") return false;
     return ::isatty(STDOUT_FILENO) == 1;
+}
+
+// What handsets do differently with the second list, grouped by system.
+int BehaviourDiff(const std::string& a, const std::string& b, int part, bool json,
+                  const ProviderOption& providers) {
+    std::string error;
+    std::unique_ptr<Analysis::LoadedList> listA, listB;
+    if (!Analysis::LoadListPair(a, b, part, listA, listB, error)) {
+        PrintError("diff", error);
+        return kExitUsage;
+    }
+    auto cmp = Analysis::CompareBehaviour(*listA->data, *listB->data);
+    if (json) {
+        std::cout << Analysis::BehaviourDiffJson(*cmp).dump(2) << '\n';
+    } else {
+        const Analysis::ProviderDirectory& dir = providers.Directory("diff");
+        std::cout << Analysis::BehaviourDiffText(*cmp, dir.Empty() ? nullptr : &dir);
+    }
+    return cmp->Same() ? kExitOk : kExitFailure;
 }
 
 int Diff(const std::string& a, const std::string& b, int part, bool json, const std::string& color,
@@ -64,7 +84,7 @@ const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
     struct Args {
         std::string a, b, color = "auto";
         int part = 1;
-        bool json = false;
+        bool json = false, behaviour = false;
         ProviderOption providers;
     };
     auto args = std::make_shared<Args>();
@@ -74,12 +94,18 @@ const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
     sub->add_option("A", args->a, "The first (older) file")->required();
     sub->add_option("B", args->b, "The second (newer) file")->required();
     sub->add_flag("--json", args->json, "One JSON object instead of text");
+    sub->add_flag("--behaviour,--behavior", args->behaviour,
+                  "Compare what handsets do with the two roaming lists, for every system they "
+                  "could find, instead of their records");
     sub->add_option("--part", args->part, "Which list of concatenated roaming lists: 1 or 2");
     sub->add_option("--color", args->color, "Colour the text: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
     args->providers.AddTo(sub);
     return std::function<int()>(
-        [args] { return Diff(args->a, args->b, args->part, args->json, args->color, args->providers); });
+        [args] {
+            return args->behaviour ? BehaviourDiff(args->a, args->b, args->part, args->json, args->providers)
+                                   : Diff(args->a, args->b, args->part, args->json, args->color, args->providers);
+        });
 }, 48);
 
 }  // namespace
