@@ -70,22 +70,62 @@ nlohmann::json AcquisitionJsonOf(const CAcqItem& record) {
     return j;
 }
 
-template <typename T>
-int Intern(std::vector<T> members, std::map<std::vector<T>, int>& ids,
-           std::vector<std::vector<T>>& sets) {
-    std::sort(members.begin(), members.end());
-    members.erase(std::unique(members.begin(), members.end()), members.end());
-    auto [it, inserted] = ids.emplace(members, static_cast<int>(sets.size()));
-    if (inserted) sets.push_back(std::move(members));
-    return it->second;
+// splitmix64's finaliser: spreads every bit of the key over the whole word.
+uint64_t Mix(uint64_t x) {
+    x += 0x9E3779B97F4A7C15ull;
+    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ull;
+    x = (x ^ (x >> 27)) * 0x94D049BB133111EBull;
+    return x ^ (x >> 31);
 }
 
 }  // namespace
 
+void SetDigest::Add(uint64_t member) {
+    ++size;
+    h1 += Mix(member);
+    h2 += Mix(member ^ 0xD6E8FEB86659FD93ull);
+}
+
+void SetDigest::Remove(uint64_t member) {
+    --size;
+    h1 -= Mix(member);
+    h2 -= Mix(member ^ 0xD6E8FEB86659FD93ull);
+}
+
+uint64_t MemberKey(const LookedForSystem& m) {
+    return static_cast<uint64_t>(m.first) << 32 | static_cast<uint32_t>(m.second + 1);
+}
+
+uint64_t MemberKey(const AssociatedSystem& m) {
+    return static_cast<uint64_t>(m.identity) << 32 |
+           static_cast<uint64_t>(static_cast<uint32_t>(m.acquisition + 1)) << 2 |
+           (m.pnAssn & 1u) << 1 | (m.dataAssn & 1u);
+}
+
+template <typename T>
+int BehaviourKeys::Sets<T>::Number(const SetDigest& digest,
+                                   std::function<std::vector<T>()> members) {
+    auto [it, inserted] = ids.emplace(digest, static_cast<int>(sources.size()));
+    if (inserted) sources.push_back(std::move(members));
+    return it->second;
+}
+
+template <typename T>
+const std::vector<T>& BehaviourKeys::Sets<T>::Members(int set) const {
+    auto it = listed.find(set);
+    if (it == listed.end()) {
+        std::vector<T> members = sources[static_cast<size_t>(set)]();
+        std::sort(members.begin(), members.end());
+        members.erase(std::unique(members.begin(), members.end()), members.end());
+        it = listed.emplace(set, std::move(members)).first;
+    }
+    return it->second;
+}
+
 BehaviourKeys::BehaviourKeys() {
     // Set 0 is the empty set in both kinds.
-    LookedForSet({});
-    AssociatedSet({});
+    lookedFor_.Number({}, [] { return std::vector<LookedForSystem>{}; });
+    associated_.Number({}, [] { return std::vector<AssociatedSystem>{}; });
 }
 
 int BehaviourKeys::Identity(const CSysItem& record, const std::string& key) {
@@ -106,12 +146,22 @@ int BehaviourKeys::Acquisition(const CAcqItem& record, const std::string& key) {
     return it->second;
 }
 
-int BehaviourKeys::LookedForSet(std::vector<LookedForSystem> members) {
-    return Intern(std::move(members), lookedForIds_, lookedFor_);
+int BehaviourKeys::LookedForSet(const SetDigest& digest,
+                                std::function<std::vector<LookedForSystem>()> members) {
+    return lookedFor_.Number(digest, std::move(members));
 }
 
-int BehaviourKeys::AssociatedSet(std::vector<AssociatedSystem> members) {
-    return Intern(std::move(members), associatedIds_, associated_);
+int BehaviourKeys::AssociatedSet(const SetDigest& digest,
+                                 std::function<std::vector<AssociatedSystem>()> members) {
+    return associated_.Number(digest, std::move(members));
+}
+
+const std::vector<LookedForSystem>& BehaviourKeys::LookedFor(int set) const {
+    return lookedFor_.Members(set);
+}
+
+const std::vector<AssociatedSystem>& BehaviourKeys::Associated(int set) const {
+    return associated_.Members(set);
 }
 
 std::string BehaviourKeys::AcquisitionText(int acquisition) const {
@@ -144,45 +194,97 @@ Behaviour ListBehaviour::Of(const SelectionResult& decided) const {
     b.roamInd = decided.roamInd;
     if (!decided.match) return b;
     const SelectionMatch& m = *decided.match;
-    const ListFacts& facts = selector_.Facts();
     b.acquisition = acquisition_[m.index];
-    const auto [first, last] = facts.GeoRange(m.geo);
-
-    // The set depends only on the GEO and the winner's rank in it, so it is built once for each.
-    const int threshold = m.preferred ? m.level : INT_MAX;
-    const long long lookedForKey =
-        static_cast<long long>(m.geo) << 32 | static_cast<unsigned>(threshold);
-    auto found = lookedForCache_.find(lookedForKey);
-    if (found == lookedForCache_.end()) {
-        std::vector<LookedForSystem> members;
-        for (size_t i = first; i < last; ++i)
-            if (KeepsLookingFor(facts.Facts(i), m.preferred, m.level))
-                members.emplace_back(identity_[i], acquisition_[i]);
-        found = lookedForCache_.emplace(lookedForKey, keys_.LookedForSet(std::move(members))).first;
-    }
-    b.lookedFor = found->second;
-
-    const CSysItem& winner = facts.System(m.index);
-    if (winner.GetAssnIncluded() == 1) {
-        // The records of the GEO sharing the winner's tag that name another system.
-        const long long key = static_cast<long long>(m.geo) << 40 |
-                              static_cast<long long>(winner.GetAssnTag()) << 32 |
-                              static_cast<unsigned>(identity_[m.index]);
-        auto it = associatedCache_.find(key);
-        if (it == associatedCache_.end()) {
-            std::vector<AssociatedSystem> members;
-            for (size_t i = first; i < last; ++i) {
-                const CSysItem& r = facts.System(i);
-                if (r.GetAssnIncluded() != 1 || r.GetAssnTag() != winner.GetAssnTag() ||
-                    identity_[i] == identity_[m.index])
-                    continue;
-                members.push_back({identity_[i], acquisition_[i], r.GetPnAssn(), r.GetDataAssn()});
-            }
-            it = associatedCache_.emplace(key, keys_.AssociatedSet(std::move(members))).first;
-        }
-        b.associated = it->second;
-    }
+    b.lookedFor = LookedForNumber(m.geo, m.preferred, m.level);
+    if (selector_.Facts().System(m.index).GetAssnIncluded() == 1)
+        b.associated = AssociatedNumber(m.geo, m.index);
     return b;
+}
+
+std::vector<LookedForSystem> ListBehaviour::LookedForMembers(int geo, bool preferred,
+                                                             int level) const {
+    const ListFacts& facts = selector_.Facts();
+    std::vector<LookedForSystem> members;
+    const auto [first, last] = facts.GeoRange(geo);
+    for (size_t i = first; i < last; ++i)
+        if (KeepsLookingFor(facts.Facts(i), preferred, level))
+            members.emplace_back(identity_[i], acquisition_[i]);
+    return members;
+}
+
+int ListBehaviour::LookedForNumber(int geo, bool preferred, int level) const {
+    auto found = lookedFor_.find(geo);
+    if (found == lookedFor_.end()) {
+        // Levels rise along the GEO, so the set a preferred winner of level L looks for is what the
+        // walk has gathered when it first meets level L; a negative winner looks for all of it.
+        const ListFacts& facts = selector_.Facts();
+        const auto [first, last] = facts.GeoRange(geo);
+        std::vector<int> numbers;
+        std::unordered_set<uint64_t> seen;
+        SetDigest digest;
+        const auto number = [&](bool pref, int lvl) {
+            return keys_.LookedForSet(
+                digest, [this, geo, pref, lvl] { return LookedForMembers(geo, pref, lvl); });
+        };
+        for (size_t i = first; i < last; ++i) {
+            const SystemFacts& f = facts.Facts(i);
+            while (static_cast<int>(numbers.size()) <= f.level)
+                numbers.push_back(number(true, static_cast<int>(numbers.size())));
+            if (!f.preferred) continue;
+            const uint64_t key = MemberKey(LookedForSystem{identity_[i], acquisition_[i]});
+            if (seen.insert(key).second) digest.Add(key);
+        }
+        numbers.push_back(number(false, 0));
+        found = lookedFor_.emplace(geo, std::move(numbers)).first;
+    }
+    const std::vector<int>& numbers = found->second;
+    return preferred ? numbers[static_cast<size_t>(level)] : numbers.back();
+}
+
+std::vector<AssociatedSystem> ListBehaviour::AssociatedMembers(int geo, size_t winner) const {
+    const ListFacts& facts = selector_.Facts();
+    const unsigned tag = facts.System(winner).GetAssnTag();
+    std::vector<AssociatedSystem> members;
+    const auto [first, last] = facts.GeoRange(geo);
+    for (size_t i = first; i < last; ++i) {
+        const CSysItem& r = facts.System(i);
+        if (r.GetAssnIncluded() == 1 && r.GetAssnTag() == tag && identity_[i] != identity_[winner])
+            members.push_back({identity_[i], acquisition_[i], r.GetPnAssn(), r.GetDataAssn()});
+    }
+    return members;
+}
+
+int ListBehaviour::AssociatedNumber(int geo, size_t winner) const {
+    // The records of the GEO sharing the winner's tag that name another system: all the tag's
+    // members but those of the winner's own identity.
+    const ListFacts& facts = selector_.Facts();
+    const unsigned tag = facts.System(winner).GetAssnTag();
+    const long long key = static_cast<long long>(geo) << 32 | tag;
+    auto found = tags_.find(key);
+    if (found == tags_.end()) {
+        TagSets sets;
+        std::unordered_set<uint64_t> seen;
+        const auto [first, last] = facts.GeoRange(geo);
+        for (size_t i = first; i < last; ++i) {
+            const CSysItem& r = facts.System(i);
+            if (r.GetAssnIncluded() != 1 || r.GetAssnTag() != tag) continue;
+            const uint64_t member = MemberKey(
+                AssociatedSystem{identity_[i], acquisition_[i], r.GetPnAssn(), r.GetDataAssn()});
+            if (!seen.insert(member).second) continue;
+            sets.all.Add(member);
+            sets.byIdentity[identity_[i]].Add(member);
+        }
+        found = tags_.emplace(key, std::move(sets)).first;
+    }
+    SetDigest digest = found->second.all;
+    auto own = found->second.byIdentity.find(identity_[winner]);
+    if (own != found->second.byIdentity.end()) {
+        digest.size -= own->second.size;
+        digest.h1 -= own->second.h1;
+        digest.h2 -= own->second.h2;
+    }
+    return keys_.AssociatedSet(digest,
+                               [this, geo, winner] { return AssociatedMembers(geo, winner); });
 }
 
 // ---- the classes of observations ----

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -39,17 +41,30 @@ struct AssociatedSystem {
 // A system the handset keeps looking for: the system and its acquisition record.
 using LookedForSystem = std::pair<int, int>;  // identity, acquisition (-1: none)
 
+// A set known by its size and two independent sums of its members' 64-bit hashes: sets built in
+// any order compare in constant time, and two different sets agree on all three with a chance
+// of about 2^-128.
+struct SetDigest {
+    size_t size = 0;
+    uint64_t h1 = 0, h2 = 0;
+    void Add(uint64_t member);
+    void Remove(uint64_t member);
+    auto operator<=>(const SetDigest&) const = default;
+};
+
 // Numbers for system identities, acquisition record contents and the sets made of them, shared by
 // the lists compared so that equal numbers mean equal contents in any of them. Also keeps, for
-// each number, the words and JSON the outputs show.
+// each number, the words and JSON the outputs show; a set's members are listed only when asked.
 class BehaviourKeys {
 public:
     BehaviourKeys();
     int Identity(const CSysItem& record, const std::string& key);
     int Acquisition(const CAcqItem& record, const std::string& key);
-    // The set's number; 0 is the empty set. `members` is sorted and made unique here.
-    int LookedForSet(std::vector<LookedForSystem> members);
-    int AssociatedSet(std::vector<AssociatedSystem> members);
+    // The set's number (0 is the empty set); `members` lists it, sorted, when an output asks.
+    int LookedForSet(const SetDigest& digest,
+                     std::function<std::vector<LookedForSystem>()> members);
+    int AssociatedSet(const SetDigest& digest,
+                      std::function<std::vector<AssociatedSystem>()> members);
 
     const std::string& IdentityText(int identity) const {
         return identityText_[static_cast<size_t>(identity)];
@@ -60,22 +75,28 @@ public:
     // "none" and null for -1.
     std::string AcquisitionText(int acquisition) const;
     nlohmann::json AcquisitionJson(int acquisition) const;
-    const std::vector<LookedForSystem>& LookedFor(int set) const {
-        return lookedFor_[static_cast<size_t>(set)];
-    }
-    const std::vector<AssociatedSystem>& Associated(int set) const {
-        return associated_[static_cast<size_t>(set)];
-    }
+    const std::vector<LookedForSystem>& LookedFor(int set) const;
+    const std::vector<AssociatedSystem>& Associated(int set) const;
 
 private:
+    template <typename T>
+    struct Sets {
+        std::map<SetDigest, int> ids;
+        std::vector<std::function<std::vector<T>()>> sources;
+        mutable std::map<int, std::vector<T>> listed;
+        int Number(const SetDigest& digest, std::function<std::vector<T>()> members);
+        const std::vector<T>& Members(int set) const;
+    };
     std::unordered_map<std::string, int> identities_, acquisitions_;
     std::vector<std::string> identityText_, acqText_;
     std::vector<nlohmann::json> identityJson_, acqJson_;
-    std::map<std::vector<LookedForSystem>, int> lookedForIds_;
-    std::map<std::vector<AssociatedSystem>, int> associatedIds_;
-    std::vector<std::vector<LookedForSystem>> lookedFor_;
-    std::vector<std::vector<AssociatedSystem>> associated_;
+    Sets<LookedForSystem> lookedFor_;
+    Sets<AssociatedSystem> associated_;
 };
+
+// The hashes the digests sum, one member each.
+uint64_t MemberKey(const LookedForSystem& member);
+uint64_t MemberKey(const AssociatedSystem& member);
 
 // What a handset does for one observation: the verdict, the roaming indicator it shows, the
 // acquisition record of the winning record by content, the set of more preferred systems it keeps
@@ -100,11 +121,24 @@ public:
     Behaviour Of(const SelectionResult& decided) const;
 
 private:
+    int LookedForNumber(int geo, bool preferred, int level) const;
+    int AssociatedNumber(int geo, size_t winner) const;
+    std::vector<LookedForSystem> LookedForMembers(int geo, bool preferred, int level) const;
+    std::vector<AssociatedSystem> AssociatedMembers(int geo, size_t winner) const;
+
     Selector selector_;
     BehaviourKeys& keys_;
     std::vector<int> identity_;     // per system record
     std::vector<int> acquisition_;  // per system record: its acquisition content, -1 none
-    mutable std::unordered_map<long long, int> lookedForCache_, associatedCache_;
+    // Per GEO, the number of the set a preferred winner of each level looks for, and (last) the
+    // set a negative winner looks for: built in one pass over the GEO when first asked.
+    mutable std::unordered_map<int, std::vector<int>> lookedFor_;
+    // Per GEO and association tag, the digest of every member and of each identity's members.
+    struct TagSets {
+        SetDigest all;
+        std::unordered_map<int, SetDigest> byIdentity;
+    };
+    mutable std::unordered_map<long long, TagSets> tags_;
 };
 
 // One observation class: every observation in it gets the same behaviour from each list given.
