@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QLabel>
+#include <QTabWidget>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -60,10 +61,12 @@ CompareWindow* CompareWindow::Ask(CRLDoc& doc, CTessaryApp& app, QWidget* parent
         if (!opened) return nullptr;  // the document has said why
         other = qobject_cast<CRLDoc*>(opened);
         if (!other || other == &doc) {
-            Prompts().Message(parent,
-                              other ? QObject::tr("Choose another roaming list: this one is the list being compared.")
-                                    : QObject::tr("Only a roaming list can be compared with a roaming list."),
-                              MsgIcon::Warning);
+            Prompts().Message(
+                parent,
+                other ? QObject::tr(
+                            "Choose another roaming list: this one is the list being compared.")
+                      : QObject::tr("Only a roaming list can be compared with a roaming list."),
+                MsgIcon::Warning);
             return nullptr;
         }
     }
@@ -84,10 +87,23 @@ CompareWindow::CompareWindow(CRLDoc& first, CRLDoc& second, QWidget* parent)
     tree_->setColumnCount(1);
     tree_->setHeaderHidden(true);
     tree_->setUniformRowHeights(true);
-    connect(tree_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) { Show(item); });
+    connect(tree_, &QTreeWidget::currentItemChanged, this,
+            [this](QTreeWidgetItem* item) { Show(item); });
+    // What a reviewer signs off: the observations a handset now treats differently. A
+    // double-click shows the record that decides in each list.
+    behaviourTree_ = new QTreeWidget(this);
+    behaviourTree_->setObjectName(QStringLiteral("BehaviourTree"));
+    behaviourTree_->setColumnCount(1);
+    behaviourTree_->setHeaderHidden(true);
+    behaviourTree_->setUniformRowHeights(true);
+    connect(behaviourTree_, &QTreeWidget::itemDoubleClicked, this,
+            [this](QTreeWidgetItem* item) { Show(item); });
+    tabs_ = new QTabWidget(this);
+    tabs_->addTab(tree_, tr("Records"));
+    tabs_->addTab(behaviourTree_, tr("Behaviour"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(summary_);
-    layout->addWidget(tree_, 1);
+    layout->addWidget(tabs_, 1);
     resize(820, 600);
 
     // Edits in either document are gathered for a moment and compared once, so typing in a grid
@@ -103,9 +119,13 @@ CompareWindow::CompareWindow(CRLDoc& first, CRLDoc& second, QWidget* parent)
     Refresh();
 }
 
-CompareWindow::~CompareWindow() { ClearRows(); }
+CompareWindow::~CompareWindow() {
+    ClearRows();
+}
 
-QString CompareWindow::Summary() const { return summary_->text(); }
+QString CompareWindow::Summary() const {
+    return summary_->text();
+}
 
 void CompareWindow::ClearRows() {
     for (CRLDoc* d : {a_.data(), b_.data()})
@@ -116,7 +136,9 @@ void CompareWindow::ClearRows() {
 
 void CompareWindow::ShowMessage(const QString& text) {
     diff_.reset();
+    behaviour_.reset();
     tree_->clear();
+    behaviourTree_->clear();
     summary_->setText(text);
     ClearRows();
 }
@@ -129,10 +151,12 @@ void CompareWindow::Refresh() {
     if (!listA || !listB) {
         ShowMessage(tr("%1 cannot be compared as it stands: %2")
                         .arg(listA ? b_->Title() : a_->Title(),
-                             QString::fromStdString(problem.text.empty() ? "a row does not read" : problem.text)));
+                             QString::fromStdString(problem.text.empty() ? "a row does not read"
+                                                                         : problem.text)));
         return;
     }
-    diff_ = std::make_unique<Analysis::ListDiff>(Analysis::DiffLists(*listA, a_->Version(), *listB, b_->Version()));
+    diff_ = std::make_unique<Analysis::ListDiff>(
+        Analysis::DiffLists(*listA, a_->Version(), *listB, b_->Version()));
     const Analysis::ListDiff& d = *diff_;
     const Analysis::ListFacts fa(*listA), fb(*listB);
     const auto& providers = Analysis::ProviderDirectory::Shared();
@@ -159,8 +183,9 @@ void CompareWindow::Refresh() {
             auto value = [](const nlohmann::json& v) {
                 return QString::fromStdString(v.is_string() ? v.get<std::string>() : v.dump());
             };
-            new QTreeWidgetItem(group, {QStringLiteral("~ %1: %2 -> %3")
-                                            .arg(QString::fromStdString(h.field), value(h.a), value(h.b))});
+            new QTreeWidgetItem(
+                group, {QStringLiteral("~ %1: %2 -> %3")
+                            .arg(QString::fromStdString(h.field), value(h.a), value(h.b))});
         }
     }
     for (const auto& section : Analysis::ListDiffSections(d)) {
@@ -175,16 +200,69 @@ void CompareWindow::Refresh() {
                                    : e.kind == Kind::Removed ? QColor(170, 0, 0)
                                                              : QColor(140, 100, 0));
             for (size_t k = 1; k < lines.size(); ++k) {
-                auto* detail = new QTreeWidgetItem(item, {QString::fromStdString(lines[k]).trimmed()});
-                for (int role : {kSystemRole, kRowARole, kRowBRole}) detail->setData(0, role, item->data(0, role));
+                auto* detail =
+                    new QTreeWidgetItem(item, {QString::fromStdString(lines[k]).trimmed()});
+                for (int role : {kSystemRole, kRowARole, kRowBRole})
+                    detail->setData(0, role, item->data(0, role));
             }
             item->setExpanded(true);
             if (!keep && item->text(0) == current) keep = item;
         }
     }
+    RefreshBehaviour(*listA, *listB);
     summary_->setText(QString::fromStdString(Analysis::ListDiffSummary(d)));
     if (keep) tree_->setCurrentItem(keep);
     PaintRows(tree_->currentItem());
+}
+
+void CompareWindow::RefreshBehaviour(const CRLData& listA, const CRLData& listB) {
+    behaviour_ = Analysis::CompareBehaviour(listA, listB);
+    const Analysis::BehaviourComparison& cmp = *behaviour_;
+    const auto& providers = Analysis::ProviderDirectory::Shared();
+    behaviourTree_->clear();
+    const int systems = static_cast<int>(Analysis::GroupBehaviourChanges(cmp).size());
+    tabs_->setTabText(1, cmp.Same()     ? tr("Behaviour: the same")
+                         : systems == 1 ? tr("Behaviour: 1 system differs")
+                                        : tr("Behaviour: %1 systems differ").arg(systems));
+    if (cmp.Same()) {
+        new QTreeWidgetItem(
+            behaviourTree_,
+            {tr("Handsets treat every system the same with both lists (%1 classes of "
+                "observations compared).")
+                 .arg(cmp.classes)});
+        return;
+    }
+    for (const auto& group : Analysis::GroupBehaviourChanges(cmp)) {
+        const auto& first = cmp.changes[group.changes.front()].observation.observation;
+        QString title = QString::fromStdString(group.system);
+        const std::string label = Analysis::ObservationOperators(first, providers);
+        if (!label.empty()) title += QStringLiteral("  (%1)").arg(QString::fromStdString(label));
+        auto* system = new QTreeWidgetItem(behaviourTree_, {title});
+        QFont bold = system->font(0);
+        bold.setBold(true);
+        system->setFont(0, bold);
+        for (size_t index : group.changes) {
+            const Analysis::BehaviourChange& c = cmp.changes[index];
+            const std::string detail =
+                c.observation.detail.empty() ? "every observation" : c.observation.detail;
+            auto* item = new QTreeWidgetItem(system, {QString::fromStdString(detail)});
+            const int rowA = c.recordA ? static_cast<int>(*c.recordA) : -1;
+            const int rowB = c.recordB ? static_cast<int>(*c.recordB) : -1;
+            for (QTreeWidgetItem* target : {system, item}) {
+                if (target == system && system->data(0, kRowARole).isValid()) continue;
+                target->setData(0, kSystemRole, true);
+                target->setData(0, kRowARole, rowA);
+                target->setData(0, kRowBRole, rowB);
+            }
+            for (const auto& line : Analysis::DescribeChange(c, cmp.keys)) {
+                auto* what = new QTreeWidgetItem(item, {QString::fromStdString(line)});
+                for (int role : {kSystemRole, kRowARole, kRowBRole})
+                    what->setData(0, role, item->data(0, role));
+            }
+            item->setExpanded(true);
+        }
+        system->setExpanded(true);
+    }
 }
 
 void CompareWindow::PaintRows(QTreeWidgetItem* selected) {
@@ -219,7 +297,8 @@ void CompareWindow::PaintRows(QTreeWidgetItem* selected) {
 void CompareWindow::Show(QTreeWidgetItem* item) {
     PaintRows(item);
     if (!item || !item->data(0, kRowARole).isValid()) return;
-    const auto table = item->data(0, kSystemRole).toBool() ? CRLDoc::Table::Sys : CRLDoc::Table::Acq;
+    const auto table =
+        item->data(0, kSystemRole).toBool() ? CRLDoc::Table::Sys : CRLDoc::Table::Acq;
     const int rowA = item->data(0, kRowARole).toInt();
     const int rowB = item->data(0, kRowBRole).toInt();
     if (a_ && rowA >= 0) emit a_->focusCell(table, 0, rowA);

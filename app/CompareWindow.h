@@ -1,6 +1,7 @@
 // The "Compare With" window: what changed between two open roaming lists, grouped as the command
-// line's diff groups it; choosing a difference shows the record in both documents' grids, and
-// both documents stay editable while the window follows their edits.
+// line's diff groups it, and what handsets do differently with them (the "Behaviour" tab);
+// choosing a difference shows the record in both documents' grids, and both documents stay
+// editable while the window follows their edits.
 #pragma once
 
 #include <QPointer>
@@ -8,9 +9,11 @@
 #include <QWidget>
 #include <memory>
 
+#include "analysis/Behaviour.h"
 #include "analysis/Diff.h"
 
 class QLabel;
+class QTabWidget;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -45,6 +48,11 @@ public:
 
     QString Summary() const;
     QTreeWidget* Differences() const { return tree_; }
+    // The "Behaviour" tab: per system, the observations a handset treats differently, each item
+    // carrying the deciding record of each list in kRowARole and kRowBRole (-1 for none).
+    QTreeWidget* Behaviour() const { return behaviourTree_; }
+    QTabWidget* Tabs() const { return tabs_; }
+    const Analysis::BehaviourComparison* BehaviourResult() const { return behaviour_.get(); }
     const Analysis::ListDiff* Diff() const { return diff_.get(); }
     // Shows the difference of `item` in both grids.
     void Show(QTreeWidgetItem* item);
@@ -53,12 +61,16 @@ private:
     void ShowMessage(const QString& text);
     void PaintRows(QTreeWidgetItem* selected);
     void ClearRows();
+    void RefreshBehaviour(const CRLData& listA, const CRLData& listB);
 
     QPointer<CRLDoc> a_, b_;
     QLabel* summary_ = nullptr;
     QTreeWidget* tree_ = nullptr;
+    QTreeWidget* behaviourTree_ = nullptr;
+    QTabWidget* tabs_ = nullptr;
     QTimer* refresh_ = nullptr;
     std::unique_ptr<Analysis::ListDiff> diff_;
+    std::unique_ptr<Analysis::BehaviourComparison> behaviour_;
 };
 
 }  // namespace Tarn

@@ -29,6 +29,7 @@
 #include "app/RLDoc.h"
 #include "app/RLViews.h"
 #include "app/CompareWindow.h"
+#include "app/OptimizeDialog.h"
 #include "app/SelectionWindow.h"
 #include "app/TessaryApp.h"
 #include "foundation/MessageTable.h"
@@ -414,6 +415,9 @@ void CMainFrame::BuildMenus() {
     });
     listMenu_->addAction(tr("Co&mpare With..."), this, [this] {
         if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) CompareWindow::Ask(*d, app_, this);
+    });
+    listMenu_->addAction(tr("&Optimize..."), this, [this] {
+        if (auto* d = qobject_cast<CRLDoc*>(ActiveDocument())) OptimizeDocument(*d, this);
     });
 
     // View

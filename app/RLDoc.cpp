@@ -61,6 +61,20 @@ private:
     HeaderTexts after_;
 };
 
+class ReplaceListCommand : public QUndoCommand {
+public:
+    ReplaceListCommand(CRLDoc& doc, std::unique_ptr<CRLData> before, std::unique_ptr<CRLData> after,
+                       const QString& label)
+        : QUndoCommand(label), doc_(doc), before_(std::move(before)), after_(std::move(after)) {}
+    void undo() override { doc_.LoadList(*before_); }
+    void redo() override { doc_.LoadList(*after_); }
+
+private:
+    CRLDoc& doc_;
+    std::unique_ptr<CRLData> before_;
+    std::unique_ptr<CRLData> after_;
+};
+
 CRLDoc::CRLDoc(CDocTemplate& tmpl, bool textView)
     : CDocument(tmpl),
       textView_(textView),
@@ -157,6 +171,19 @@ void CRLDoc::InitTypeCell(Table table, int row) {
     const CNameList& types =
         table == Table::Acq ? names.AcqTypes(version_) : names.SysTypes(version_);
     Grid(table).SetCellDropDown(0, row, types.Choices());
+}
+
+void CRLDoc::ReplaceList(std::unique_ptr<CRLData> before, std::unique_ptr<CRLData> after,
+                         const QString& label) {
+    UndoStack().push(new ReplaceListCommand(*this, std::move(before), std::move(after), label));
+}
+
+void CRLDoc::LoadList(const CRLData& data) {
+    std::unique_ptr<CRLManager> manager = CreateClassFactory(version_)->CreateManager();
+    auto copy = std::make_unique<CRLData>(data);
+    manager->AttachData(copy);
+    AttachManager(std::move(manager));
+    LoadViewsFromList();
 }
 
 void CRLDoc::LoadViewsFromList() {

@@ -64,6 +64,10 @@ public:
     // checks; `problem` then says why.
     std::unique_ptr<CRLData> SnapshotList(ListProblem* problem = nullptr) const;
 
+    // Puts `after` in place of the list as one undoable edit named `label`; undo brings back
+    // `before` (the list as the views held it). The version and header stay.
+    void ReplaceList(std::unique_ptr<CRLData> before, std::unique_ptr<CRLData> after, const QString& label);
+
     // Re-titles the grid's columns for the record of `row`.
     void RefreshHeadings(Table table, int row);
 
@@ -83,6 +87,8 @@ signals:
 
 private:
     friend class HeaderCommand;
+    friend class ReplaceListCommand;
+    void LoadList(const CRLData& data);
     void ApplyHeader(const HeaderTexts& header);
     void AttachManager(std::unique_ptr<CRLManager> manager);
     void LoadViewsFromList();
