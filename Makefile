@@ -1,5 +1,6 @@
 # Tarn: the two commands a newcomer needs are `make run` and `make test`; both install what the
-# build needs first (`make deps`).
+# build needs first (`make deps`). `make check` is what CI runs: the suite again under
+# AddressSanitizer and UndefinedBehaviorSanitizer, and an -O3 build with warnings as errors.
 
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
@@ -22,7 +23,7 @@ DEB_PACKAGES := build-essential cmake ninja-build pkg-config \
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all deps build build-asan build-release run test test-normal test-asan test-release \
+.PHONY: all deps build build-asan build-release run test check test-normal test-asan test-release \
 	install deb bench fuzz clean
 
 all: build
@@ -70,14 +71,18 @@ run: build
 	  $(BUILD)/cli/tarn-cli text $(EXAMPLE); \
 	fi
 
+# ctest prints a line per test as it ends ("12/350 Test #12: ..."), so a long run shows how far
+# it has come.
+CTEST := ctest --output-on-failure -j $(JOBS)
+
 test-normal: build
-	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen $(CTEST)
 
 test-asan: build-asan
 	cd $(ASAN_BUILD) && QT_QPA_PLATFORM=offscreen \
 	  ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp \
-	  ctest --output-on-failure -j $(JOBS)
+	  $(CTEST)
 
 # A Release (-O3) build: the optimiser looks deeper and warns where the other builds do not, and
 # with WERROR=ON those warnings fail CI. To keep CI's time it builds the libraries, tarn-cli and
@@ -90,9 +95,15 @@ build-release: deps $(O3_BUILD)/CMakeCache.txt
 	cmake --build $(O3_BUILD) -j $(JOBS)
 
 test-release: build-release
-	cd $(O3_BUILD) && ctest --output-on-failure -j $(JOBS) -E '^packaging\.'
+	cd $(O3_BUILD) && $(CTEST) -E '^packaging\.'
 
-test: test-normal test-asan test-release
+# One build and the whole suite: core, command line, editor (offscreen) and the replay of every
+# saved fuzz input.
+test: test-normal
+
+# Everything CI runs: the suite of the normal build, the suite under the sanitizers, and the
+# -O3 build's suite (CI sets WERROR=ON, so a warning fails it).
+check: test-normal test-asan test-release
 
 # Installs the programs, man pages and desktop files under PREFIX (DESTDIR is honoured).
 install: build
