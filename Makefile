@@ -19,7 +19,7 @@ DEB_PACKAGES := build-essential cmake ninja-build pkg-config \
 	clang libclang-rt-14-dev xvfb xauth ccache \
 	libxml2-dev libxlsxwriter-dev iso-codes mobile-broadband-provider-info \
 	scdoc gzip groff-base desktop-file-utils appstream shared-mime-info libxml2-utils \
-	dpkg-dev file python3
+	dpkg-dev file python3 lintian
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 

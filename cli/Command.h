@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "cli/HeapReserve.h"
-
 namespace Tarn::Cli {
 
 // Exit statuses shared by every verb.
@@ -22,17 +20,14 @@ inline constexpr int kExitUsage = 2;
 using CommandSetup = std::function<std::function<int()>(CLI::App& app)>;
 
 // Collects the verbs in a fixed order (by `order`, then name) however the linker orders files.
-// `heapPerInputByte`: the heap the verb builds, per byte of the files it is given (HeapReserve.h).
 struct CommandRegistrar {
-    CommandRegistrar(int order, std::string name, CommandSetup setup,
-                     std::size_t heapPerInputByte = kHeapPerInputByte);
+    CommandRegistrar(int order, std::string name, CommandSetup setup);
 };
 
 struct RegisteredCommand {
     int order;
     std::string name;
     CommandSetup setup;
-    std::size_t heapPerInputByte;
 };
 std::vector<RegisteredCommand>& Commands();
 

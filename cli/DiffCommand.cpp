@@ -79,7 +79,6 @@ int Diff(const std::string& a, const std::string& b, int part, bool json, const 
     return cmp->Same() ? kExitOk : kExitFailure;
 }
 
-// The heap per byte of both binary lists: their records, keys and pairings, some 60 bytes.
 const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
     struct Args {
         std::string a, b, color = "auto";
@@ -106,7 +105,7 @@ const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
             return args->behaviour ? BehaviourDiff(args->a, args->b, args->part, args->json, args->providers)
                                    : Diff(args->a, args->b, args->part, args->json, args->color, args->providers);
         });
-}, 48);
+});
 
 }  // namespace
 }  // namespace Tarn::Cli

@@ -51,7 +51,6 @@ CLI::App* AddExchangeVerb(CLI::App& app, const char* name, const char* help, con
     return sub;
 }
 
-// The heap per byte of a binary list: the list and its rows as cells, some 300 bytes.
 const CommandRegistrar kCsv(90, "csv", [](CLI::App& app) {
     auto a = std::make_shared<ExchangeArgs>();
     AddExchangeVerb(app, "csv",
@@ -68,9 +67,8 @@ const CommandRegistrar kCsv(90, "csv", [](CLI::App& app) {
         }
         return kExitOk;
     });
-}, 256);
+});
 
-// The heap per byte of a binary list: as for csv.
 const CommandRegistrar kXlsx(91, "xlsx", [](CLI::App& app) {
     auto a = std::make_shared<ExchangeArgs>();
     AddExchangeVerb(app, "xlsx",
@@ -86,7 +84,7 @@ const CommandRegistrar kXlsx(91, "xlsx", [](CLI::App& app) {
         }
         return kExitOk;
     });
-}, 256);
+});
 
 }  // namespace
 }  // namespace Tarn::Cli

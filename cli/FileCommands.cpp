@@ -52,7 +52,6 @@ const CommandRegistrar kInfo(20, "info", [](CLI::App& app) {
     });
 });
 
-// The heap per byte of a binary list: its records and its whole text, about 20 bytes.
 const CommandRegistrar kText(30, "text", [](CLI::App& app) {
     auto file = std::make_shared<std::string>();
     auto out = std::make_shared<std::string>();
@@ -64,9 +63,8 @@ const CommandRegistrar kText(30, "text", [](CLI::App& app) {
         if (!doc) return kExitFailure;
         return Emit("text", *out, doc->RenderText());
     });
-}, 20);
+});
 
-// The heap per byte of a binary list: the JSON tree, over 500 bytes.
 const CommandRegistrar kJson(40, "json", [](CLI::App& app) {
     auto file = std::make_shared<std::string>();
     auto out = std::make_shared<std::string>();
@@ -80,7 +78,7 @@ const CommandRegistrar kJson(40, "json", [](CLI::App& app) {
         doc->ToJson(j);
         return Emit("json", *out, j.dump(2) + "\n");
     });
-}, 512);
+});
 
 }  // namespace
 }  // namespace Tarn::Cli

@@ -133,7 +133,6 @@ int RunLint(const LintOptions& options) {
     return unreadable ? kExitUsage : failed ? kExitFailure : kExitOk;
 }
 
-// The heap per byte of a binary list: the list, what the rules gather and the findings.
 const CommandRegistrar kRegistrar(90, "lint", [](CLI::App& app) {
     auto options = std::make_shared<LintOptions>();
     CLI::App* sub = app.add_subcommand(
@@ -148,7 +147,7 @@ const CommandRegistrar kRegistrar(90, "lint", [](CLI::App& app) {
     sub->add_flag("--json", options->json, "One JSON object per file");
     options->providers.AddTo(sub);
     return std::function<int()>([options] { return RunLint(*options); });
-}, 96);
+});
 
 }  // namespace
 }  // namespace Tarn::Cli

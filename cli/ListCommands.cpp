@@ -193,7 +193,6 @@ int Build(const std::string& in, const std::string& out, const std::string& vers
     return SaveList("build", list, out) ? kExitOk : kExitFailure;
 }
 
-// The heap per byte of the binary list it makes: a text form takes some 20 bytes.
 const CommandRegistrar kBuild(50, "build", [](CLI::App& app) {
     struct Args {
         std::string in, out, version;
@@ -207,7 +206,7 @@ const CommandRegistrar kBuild(50, "build", [](CLI::App& app) {
     sub->add_option("--version", a->version, "Roaming list version to write (IS-683A .. IS-683E)");
     sub->add_flag("--no-check", a->noCheck, "Write a roaming list even if the save checks fail");
     return std::function<int()>([a] { return Build(a->in, a->out, a->version, a->noCheck); });
-}, 20);
+});
 
 const CommandRegistrar kConvert(60, "convert", [](CLI::App& app) {
     struct Args {

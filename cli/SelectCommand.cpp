@@ -98,7 +98,6 @@ int RunSelect(const SelectArgs& a) {
     return kExitOk;
 }
 
-// The heap per byte of a binary list: the list, its indexes and the answers, over 130 bytes.
 const CommandRegistrar kRegistrar(35, "select", [](CLI::App& app) {
     auto a = std::make_shared<SelectArgs>();
     CLI::App* sub = app.add_subcommand(
@@ -120,7 +119,7 @@ const CommandRegistrar kRegistrar(35, "select", [](CLI::App& app) {
     sub->add_flag("--json", a->json, "One JSON object (JSON Lines for --observations)");
     a->providers.AddTo(sub);
     return std::function<int()>([a] { return RunSelect(*a); });
-}, 128);
+});
 
 }  // namespace
 }  // namespace Tarn::Cli

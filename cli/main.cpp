@@ -14,9 +14,8 @@ std::vector<RegisteredCommand>& Commands() {
     return commands;
 }
 
-CommandRegistrar::CommandRegistrar(int order, std::string name, CommandSetup setup,
-                                   std::size_t heapPerInputByte) {
-    Commands().push_back({order, std::move(name), std::move(setup), heapPerInputByte});
+CommandRegistrar::CommandRegistrar(int order, std::string name, CommandSetup setup) {
+    Commands().push_back({order, std::move(name), std::move(setup)});
 }
 
 void PrintError(const std::string& context, const std::string& message) {
@@ -66,15 +65,6 @@ int main(int argc, char** argv) {
     }
     for (auto& [sub, action] : actions)
         if (sub->parsed()) {
-            // The verb's positional arguments are its input files; option values (an output,
-            // a provider database, a policy) are not what it builds its structures from.
-            if (named) {
-                std::vector<std::string> inputs;
-                for (const CLI::Option* option : sub->get_options())
-                    if (option->get_positional())
-                        for (const auto& value : option->results()) inputs.push_back(value);
-                ReserveHeap(ExpectedHeap(inputs, named->heapPerInputByte));
-            }
             try {
                 return action();
             } catch (const std::exception& e) {

@@ -185,18 +185,25 @@ deb() {
     # Opened on first use, so dpkg-shlibdeps cannot see them: the package must name them itself.
     grep -q 'libxml2' <<<"$depends" || fail "the package does not depend on libxml2"
     grep -q 'libxlsxwriter4' <<<"$depends" || fail "the package does not depend on libxlsxwriter4"
+    # Both programs use the system's C++ runtime.
+    grep -q 'libstdc++6' <<<"$depends" || fail "the package does not depend on libstdc++6"
     if [[ $gui == ON ]]; then
-        # tarn-cli carries its own C++ runtime; the editor does not.
-        grep -q 'libstdc++6' <<<"$depends" || fail "the package does not depend on libstdc++6"
         grep -q 'libqt6widgets6' <<<"$depends" || fail "the package does not depend on Qt Widgets"
         grep -q 'libqt6network6' <<<"$depends" || fail "the package does not depend on Qt Network"
     fi
     dpkg-deb -c "$pkg" >"$out/contents"
-    local want=(./usr/bin/tarn-cli ./usr/share/man/man1/tarn-cli.1.gz)
+    local want=(./usr/bin/tarn-cli ./usr/share/man/man1/tarn-cli.1.gz ./usr/share/doc/tarn/copyright
+                ./usr/share/doc/tarn/changelog.gz)
     [[ $gui == ON ]] && want+=(./usr/bin/tarn ./usr/share/applications/com.example.halvane.Tarn.desktop)
     for f in "${want[@]}"; do
         grep -q " $f\$" "$out/contents" || fail "the package holds no ${f#.}"
     done
+    # What a distribution would take: lintian finds no error and no warning.
+    if command -v lintian >/dev/null; then
+        local tags
+        tags=$(lintian --fail-on none "$pkg" 2>&1 | grep -E '^[EW]: ' || true)
+        [[ -z $tags ]] || fail "lintian: $tags"
+    fi
 }
 
 case ${1:-} in
