@@ -43,6 +43,10 @@ FileDialogSpec CDocument::SaveAsSpec() const {
     return request;
 }
 
+QString CDocument::RecoveryExtension() const {
+    return template_->GetDocString(DocString::FilterExt).section(';', 0, 0).mid(1);
+}
+
 void CDocument::SetPathName(const QString& path) {
     path_ = path;
     SetTitle(QFileInfo(path).fileName());
@@ -73,6 +77,7 @@ bool CDocument::DoSave(QString path) {
     if (!OnSaveDocument(path)) return false;
     SetPathName(path);
     SetModifiedFlag(false);
+    emit saved();
     return true;
 }
 

@@ -39,6 +39,16 @@ public:
     }
     // The dialog that Save As shows.
     virtual FileDialogSpec SaveAsSpec() const;
+    // Writes the bytes Save would write to `path` (atomically), without a word to the user and
+    // without changing the document; false with a reason when the document cannot be written as
+    // it stands (a cell that does not read yet).
+    virtual bool WriteRecoveryCopy(const QString& path, QString& error) {
+        (void)path;
+        error = tr("this kind of document keeps no recovery copy");
+        return false;
+    }
+    // The extension a recovery copy takes, so that it opens as this kind of document.
+    virtual QString RecoveryExtension() const;
 
     const QString& PathName() const { return path_; }
     void SetPathName(const QString& path);
@@ -70,6 +80,8 @@ public:
 signals:
     void titleChanged();
     void modifiedChanged();
+    // After the document was written to its file by Save or Save As.
+    void saved();
 
 private:
     CDocTemplate* template_;

@@ -325,6 +325,23 @@ bool CRLDoc::OnSaveDocument(const QString& path) {
     return true;
 }
 
+bool CRLDoc::WriteRecoveryCopy(const QString& path, QString& error) {
+    ListProblem problem;
+    std::unique_ptr<CRLData> data = SnapshotList(&problem);
+    if (!data) {
+        error = QString::fromStdString(problem.text);
+        return false;
+    }
+    std::unique_ptr<CRLManager> manager = CreateClassFactory(version_)->CreateManager();
+    manager->AttachData(data);
+    std::string why;
+    if (!WriteBinaryListFile(*manager, path.toStdString(), why)) {
+        error = QString::fromStdString(why);
+        return false;
+    }
+    return true;
+}
+
 FileDialogSpec CRLDoc::SaveAsSpec() const {
     FileDialogSpec request = CDocument::SaveAsSpec();
     request.filter = CTessaryApp::RoamingListFilter();

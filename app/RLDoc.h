@@ -31,6 +31,9 @@ public:
     std::unique_ptr<QWidget> CreateMainView() override;
     bool GetPrintText(QString& text) override;
     FileDialogSpec SaveAsSpec() const override;
+    bool WriteRecoveryCopy(const QString& path, QString& error) override;
+    // A roaming list's copy is a binary list, whichever view the document has.
+    QString RecoveryExtension() const override { return QStringLiteral("prl"); }
 
     int Version() const { return version_; }
     const CRLManager& Manager() const { return *manager_; }

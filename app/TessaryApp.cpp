@@ -17,6 +17,7 @@
 #include <string_view>
 
 #include "app/MainFrame.h"
+#include "app/Recovery.h"
 #include "app/RLDoc.h"
 #include "app/mmss/MmssDocuments.h"
 #include "app/wizards/ConcatPrlWizards.h"
@@ -257,7 +258,12 @@ bool CTessaryApp::InitInstance(const QStringList& arguments, bool showWindow) {
     }
 
     if (showWindow) frame_->RestoreAndShow();
+    // Unsaved work is kept in recovery copies, and what a session that did not end cleanly left
+    // is offered back before anything else.
+    recovery_ = new RecoveryManager(*this);
+    const bool restored = !recovery_->OfferRestore(frame_.get()).empty();
     if (req.first.empty()) {
+        if (restored) return true;
         OpenWithTemplate(Template(1), {});
     } else if (CDocTemplate* tmpl = TemplateByExtension(first_)) {
         OpenWithTemplate(tmpl, first_);
@@ -319,10 +325,15 @@ CDocument* CTessaryApp::OpenWithTemplate(CDocTemplate* tmpl, const QString& path
         doc->SetModifiedFlag(false);
         AddToRecentFiles(QFileInfo(path).absoluteFilePath());
     }
+    return AddDocument(std::move(doc));
+}
+
+CDocument* CTessaryApp::AddDocument(std::unique_ptr<CDocument> doc) {
     CDocument* raw = doc.get();
     documents_.push_back(std::move(doc));
     if (frame_) frame_->AddDocumentWindow(*raw);
     raw->OnViewsReady();
+    if (recovery_) recovery_->Track(*raw);
     emit documentsChanged();
     return raw;
 }
@@ -336,6 +347,7 @@ std::vector<CDocument*> CTessaryApp::Documents() const {
 void CTessaryApp::CloseDocument(CDocument* doc) {
     for (auto it = documents_.begin(); it != documents_.end(); ++it) {
         if (it->get() == doc) {
+            if (recovery_) recovery_->Forget(doc);
             // Deleted once the window that is closing it has finished.
             it->release()->deleteLater();
             documents_.erase(it);

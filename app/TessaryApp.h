@@ -16,6 +16,7 @@
 namespace Tarn {
 
 class CMainFrame;
+class RecoveryManager;
 class CRLClassFactory;
 
 // Command ids: the numbers are the ones the message table keys its status prompts by.
@@ -107,7 +108,11 @@ public:
     CDocument* OpenDocumentFile(const QString& path);
     // A new document (empty path) or an opened one, through a given template.
     CDocument* OpenWithTemplate(CDocTemplate* tmpl, const QString& path);
+    // Takes a document made and read elsewhere (a recovered one): shows it like an opened one.
+    CDocument* AddDocument(std::unique_ptr<CDocument> doc);
     std::vector<CDocument*> Documents() const;
+    // The recovery copies of this session; none in the unattended command-line mode.
+    RecoveryManager* Recovery() const { return recovery_; }
     void CloseDocument(CDocument* doc);
     // Asks to save each modified document; false when the user cancels.
     bool SaveAllModified();
@@ -174,6 +179,7 @@ private:
     bool textMode_ = false;
     int exitCode_ = 0;
     FileLauncher launcher_;
+    RecoveryManager* recovery_ = nullptr;  // a child of this object
 };
 
 }  // namespace Tarn

@@ -217,6 +217,21 @@ bool MmssDocument::OnSaveDocument(const QString& path) {
     return true;
 }
 
+bool MmssDocument::WriteRecoveryCopy(const QString& path, QString& error) {
+    std::unique_ptr<Mmss::Document> doc = TakeValues(false, true);
+    if (!doc) {
+        error = tr("a cell does not read yet");
+        return false;
+    }
+    std::vector<uint8_t> bytes;
+    std::string why;
+    if (!doc->Write(bytes, why) || !WriteFileAtomically(path.toStdString(), bytes, why)) {
+        error = FromStd(why);
+        return false;
+    }
+    return true;
+}
+
 std::unique_ptr<QWidget> MmssDocument::CreateMainView() {
     return std::make_unique<MmssView>(*this);
 }

@@ -53,6 +53,7 @@ public:
     bool OnNewDocument() override;
     bool OnOpenDocument(const QString& path) override;
     bool OnSaveDocument(const QString& path) override;
+    bool WriteRecoveryCopy(const QString& path, QString& error) override;
     void OnViewsReady() override;
     std::unique_ptr<QWidget> CreateMainView() override;
     bool GetPrintText(QString& text) override;

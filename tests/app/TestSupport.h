@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,7 +55,9 @@ struct AppFixture {
     std::unique_ptr<CTessaryApp> app;
     QTemporaryDir dir;
 
-    explicit AppFixture(const QStringList& args = {}) {
+    // `prepare` scripts the prompts before start-up asks anything.
+    explicit AppFixture(const QStringList& args = {}, const std::function<void(FakePrompts&)>& prepare = {}) {
+        if (prepare) prepare(prompts);
         ChangeCurrentVersion(0);
         app = std::make_unique<CTessaryApp>();
         app->SetFileLauncher([](const QString&) { return false; });
