@@ -20,9 +20,10 @@ namespace {
 enum Column { kSeverity, kRule, kWhere, kMessage };
 
 QIcon SeverityIcon(Analysis::Severity s) {
-    const QStyle::StandardPixmap pixmap = s == Analysis::Severity::Error     ? QStyle::SP_MessageBoxCritical
-                                          : s == Analysis::Severity::Warning ? QStyle::SP_MessageBoxWarning
-                                                                             : QStyle::SP_MessageBoxInformation;
+    const QStyle::StandardPixmap pixmap =
+        s == Analysis::Severity::Error     ? QStyle::SP_MessageBoxCritical
+        : s == Analysis::Severity::Warning ? QStyle::SP_MessageBoxWarning
+                                           : QStyle::SP_MessageBoxInformation;
     return QApplication::style()->standardIcon(pixmap);
 }
 
@@ -45,7 +46,8 @@ ProblemsPanel::ProblemsPanel(QWidget* parent) : QDockWidget(tr("Problems"), pare
     list_->setUniformRowHeights(true);
     list_->setSelectionBehavior(QAbstractItemView::SelectRows);
     list_->header()->setStretchLastSection(true);
-    connect(list_, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item, int) { OnActivated(item); });
+    connect(list_, &QTreeWidget::itemDoubleClicked, this,
+            [this](QTreeWidgetItem* item, int) { OnActivated(item); });
 
     auto* top = new QHBoxLayout;
     top->addWidget(summary_, 1);
@@ -115,16 +117,20 @@ void ProblemsPanel::Refresh() {
         findings_.clear();
         list_->clear();
         summary_->setText(tr("The list cannot be checked as it stands: %1")
-                              .arg(QString::fromStdString(problem.text.empty() ? "a row does not read" : problem.text)));
+                              .arg(QString::fromStdString(
+                                  problem.text.empty() ? "a row does not read" : problem.text)));
         return;
     }
     const Analysis::Policy* policy = policy_ ? &*policy_ : nullptr;
     // Writing the list only to weigh it is worth it only when the policy sets a limit.
-    const size_t bytes = policy && policy->maxListSize ? Analysis::WrittenListSize(*list, doc_->Version()) : 0;
+    const size_t bytes =
+        policy && policy->maxListSize ? Analysis::WrittenListSize(*list, doc_->Version()) : 0;
     Show(Analysis::LintRoamingList(*list, bytes, policy, &Analysis::ProviderDirectory::Shared()));
 }
 
-QString ProblemsPanel::Summary() const { return summary_->text(); }
+QString ProblemsPanel::Summary() const {
+    return summary_->text();
+}
 
 void ProblemsPanel::Show(const std::vector<Analysis::Finding>& findings) {
     findings_ = findings;
@@ -143,9 +149,14 @@ void ProblemsPanel::Show(const std::vector<Analysis::Finding>& findings) {
         items.push_back(item);
     }
     list_->addTopLevelItems(items);
+    // Severity, rule and place are short: each takes what its text needs, the message the rest.
+    for (int column : {kSeverity, kRule, kWhere}) list_->resizeColumnToContents(column);
     const auto c = Analysis::CountFindings(findings_);
-    summary_->setText(findings_.empty() ? tr("No problems found.")
-                                        : tr("%1 error(s), %2 warning(s), %3 info").arg(c.error).arg(c.warning).arg(c.info));
+    QStringList counts;
+    if (c.error) counts << (c.error == 1 ? tr("1 error") : tr("%1 errors").arg(c.error));
+    if (c.warning) counts << (c.warning == 1 ? tr("1 warning") : tr("%1 warnings").arg(c.warning));
+    if (c.info) counts << tr("%1 info").arg(c.info);
+    summary_->setText(findings_.empty() ? tr("No problems found.") : counts.join(", "));
 }
 
 void ProblemsPanel::OnActivated(QTreeWidgetItem* item) {

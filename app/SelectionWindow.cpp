@@ -10,6 +10,9 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "analysis/ListFacts.h"
+#include "analysis/Providers.h"
+#include "app/ExchangeActions.h"
 #include "app/RLDoc.h"
 #include "roaming_list/RLData.h"
 
@@ -30,7 +33,8 @@ const char* const kFieldLabels[] = {"SID", "NID", "MCC", "MNC", "Subnet", "Band"
 
 }  // namespace
 
-SelectionWindow::SelectionWindow(CRLDoc& doc, QWidget* parent) : QWidget(parent, Qt::Window), doc_(&doc) {
+SelectionWindow::SelectionWindow(CRLDoc& doc, QWidget* parent)
+    : QWidget(parent, Qt::Window), doc_(&doc) {
     setAttribute(Qt::WA_DeleteOnClose);
     setObjectName(QStringLiteral("SelectionWindow"));
     setWindowTitle(tr("Simulate selection - %1").arg(doc.Title()));
@@ -51,13 +55,15 @@ SelectionWindow::SelectionWindow(CRLDoc& doc, QWidget* parent) : QWidget(parent,
     text_ = new QPlainTextEdit(this);
     text_->setReadOnly(true);
     text_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    records_ = new QTableWidget(0, 5, this);
-    records_->setHorizontalHeaderLabels({tr("Record"), tr("Role"), tr("GEO"), tr("Level"), tr("Note")});
+    records_ = new QTableWidget(0, 7, this);
+    records_->setHorizontalHeaderLabels({tr("Record"), tr("Role"), tr("System"), tr("Operator"),
+                                         tr("GEO"), tr("Level"), tr("Note")});
     records_->horizontalHeader()->setStretchLastSection(true);
     records_->verticalHeader()->hide();
     records_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     records_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    connect(records_, &QTableWidget::cellDoubleClicked, this, [this](int row, int) { OnRecordActivated(row); });
+    connect(records_, &QTableWidget::cellDoubleClicked, this,
+            [this](int row, int) { OnRecordActivated(row); });
 
     auto* top = new QHBoxLayout;
     top->addLayout(form);
@@ -67,7 +73,7 @@ SelectionWindow::SelectionWindow(CRLDoc& doc, QWidget* parent) : QWidget(parent,
     layout->addWidget(summary_);
     layout->addWidget(records_, 1);
     layout->addWidget(text_, 1);
-    resize(720, 640);
+    resize(980, 640);
 
     // Typing in the grids must never wait on a simulation: edits are gathered for a moment and
     // answered once.
@@ -85,8 +91,12 @@ SelectionWindow::~SelectionWindow() {
     if (doc_) doc_->Grid(CRLDoc::Table::Sys).ClearRowHighlights(kHighlightSource);
 }
 
-QString SelectionWindow::Summary() const { return summary_->text(); }
-QString SelectionWindow::ResultText() const { return text_->toPlainText(); }
+QString SelectionWindow::Summary() const {
+    return summary_->text();
+}
+QString SelectionWindow::ResultText() const {
+    return text_->toPlainText();
+}
 
 void SelectionWindow::ShowMessage(const QString& text) {
     result_.reset();
@@ -115,29 +125,51 @@ void SelectionWindow::Simulate() {
     std::unique_ptr<CRLData> list = doc_->SnapshotList(&problem);
     if (!list) {
         ShowMessage(tr("The list cannot be simulated as it stands: %1")
-                        .arg(QString::fromStdString(problem.text.empty() ? "a row does not read" : problem.text)));
+                        .arg(QString::fromStdString(problem.text.empty() ? "a row does not read"
+                                                                         : problem.text)));
         return;
     }
     const Analysis::Selector selector(*list);
     ShowResult(selector.Select(observation), selector.Facts());
 }
 
-void SelectionWindow::ShowResult(const Analysis::SelectionResult& r, const Analysis::ListFacts& facts) {
+void SelectionWindow::ShowResult(const Analysis::SelectionResult& r,
+                                 const Analysis::ListFacts& facts) {
     using namespace Analysis;
     result_ = r;
-    QString summary = QString::fromStdString(r.observation.Describe()) + ": " + VerdictName(r.verdict);
-    if (r.match)
-        summary += tr(", record %1 (GEO %2, level %3)").arg(r.match->index).arg(r.match->geo).arg(r.match->level);
-    summary += tr(", roaming indicator %1").arg(r.roamInd ? QString::number(*r.roamInd) : tr("none"));
+    // Operators and countries as tarn-cli select --providers names them.
+    const ProviderDirectory& providers = EditorProviders(this);
+    const auto operators = [&](size_t index) {
+        return QString::fromStdString(
+            OperatorLabel(OperatorsForRecord(providers, facts.System(index))));
+    };
+    QString summary =
+        QString::fromStdString(r.observation.Describe()) + ": " + VerdictName(r.verdict);
+    if (r.match) {
+        summary += tr(", record %1 (GEO %2, level %3)")
+                       .arg(r.match->index)
+                       .arg(r.match->geo)
+                       .arg(r.match->level);
+        if (const QString names = operators(r.match->index); !names.isEmpty())
+            summary += " - " + names;
+    }
+    summary +=
+        tr(", roaming indicator %1").arg(r.roamInd ? QString::number(*r.roamInd) : tr("none"));
     summary_->setText(summary);
-    text_->setPlainText(QString::fromStdString(FormatSelectionText(r, facts)));
+    text_->setPlainText(QString::fromStdString(FormatSelectionText(r, facts, &providers)));
 
     records_->setRowCount(0);
-    auto addRow = [this](size_t index, const QString& role, int geo, int level, const QString& note) {
+    auto addRow = [&](size_t index, const QString& role, int geo, int level, const QString& note) {
         const int row = records_->rowCount();
         records_->insertRow(row);
-        const QString cells[] = {QString::number(index), role, QString::number(geo), QString::number(level), note};
-        for (int c = 0; c < 5; ++c) {
+        const QString cells[] = {QString::number(index),
+                                 role,
+                                 QString::fromStdString(SystemIdentityText(facts.System(index))),
+                                 operators(index),
+                                 QString::number(geo),
+                                 QString::number(level),
+                                 note};
+        for (int c = 0; c < 7; ++c) {
             auto* item = new QTableWidgetItem(cells[c]);
             item->setData(Qt::UserRole, static_cast<qulonglong>(index));
             records_->setItem(row, c, item);
@@ -147,16 +179,26 @@ void SelectionWindow::ShowResult(const Analysis::SelectionResult& r, const Analy
     if (r.match) {
         const auto [first, last] = facts.GeoRange(r.match->geo);
         for (size_t i = first; i < last; ++i) highlights[static_cast<int>(i)] = kGeoColour;
-        addRow(r.match->index, tr("match"), r.match->geo, r.match->level,
-               r.match->acqCovers == false ? tr("does not scan the channel") : QString());
+        // The winner's note says why it won; a loser's why it lost.
+        QString why =
+            r.candidates.size() > 1 ? tr("the winner: ") : tr("the only record naming the system");
+        if (r.candidates.size() > 1)
+            why += r.match->acqCovers == true ? tr("scans the channel, most specific, earliest")
+                                              : tr("most specific, earliest");
+        if (r.match->acqCovers == false) why += tr("; does not scan the channel");
+        addRow(r.match->index, tr("match"), r.match->geo, r.match->level, why);
         for (const auto& s : r.morePreferred) {
             highlights[static_cast<int>(s.index)] = kMorePreferredColour;
-            addRow(s.index, tr("more preferred"), r.match->geo, s.level, QString::fromStdString(s.coverage.ToText()));
+            addRow(
+                s.index, tr("more preferred"), r.match->geo, s.level,
+                tr("kept looking for; scans %1").arg(QString::fromStdString(s.coverage.ToText())));
         }
-        highlights[static_cast<int>(r.match->index)] = r.match->preferred ? kWinnerPreferredColour : kWinnerNegativeColour;
+        highlights[static_cast<int>(r.match->index)] =
+            r.match->preferred ? kWinnerPreferredColour : kWinnerNegativeColour;
         for (const auto& c : r.candidates)
             if (c.lost != LossReason::None)
-                addRow(c.index, tr("also matches"), c.geo, c.level, QString::fromStdString(LossReasonText(c, r)));
+                addRow(c.index, tr("also matches"), c.geo, c.level,
+                       QString::fromStdString(LossReasonText(c, r)));
     }
     records_->resizeColumnsToContents();
     doc_->Grid(CRLDoc::Table::Sys).SetRowHighlights(kHighlightSource, highlights);

@@ -10,6 +10,7 @@
 
 #include "app/MainFrame.h"
 #include "app/RLDoc.h"
+#include "analysis/Providers.h"
 #include "app/SelectionWindow.h"
 #include "tests/app/TestSupport.h"
 
@@ -58,6 +59,14 @@ TEST(SelectionWindow, AnswersHighlightsJumpsAndFollowsEdits) {
     EXPECT_TRUE(w->Summary().startsWith("SID 22: negative, record 6 (GEO 1, level 3)")) << w->Summary().toStdString();
     EXPECT_TRUE(w->ResultText().contains("more preferred systems"));
     EXPECT_EQ(RecordColumn(w->Records()), (std::vector<int>{6, 3, 4, 5}));
+    // Each listed record names its system and, as tarn-cli select does, the operator behind it;
+    // the note says why the winner won.
+    EXPECT_EQ(w->Records()->item(0, 2)->text(), "SID 22 NID 0");
+    if (!Analysis::ProviderDirectory::Shared().Empty()) {
+        EXPECT_TRUE(w->Records()->item(0, 3)->text().contains("United States"))
+            << w->Records()->item(0, 3)->text().toStdString();
+    }
+    EXPECT_EQ(w->Records()->item(0, 6)->text(), "the only record naming the system");
     const QColor negative = RowColour(sys, 6), more = RowColour(sys, 3);
     EXPECT_TRUE(negative.isValid());
     EXPECT_TRUE(more.isValid());
