@@ -20,6 +20,7 @@
 #include "app/Document.h"
 #include "app/TessaryApp.h"
 #include "app/UiPrompts.h"
+#include "app/mmss/MmssDocuments.h"
 #include "formats/FileKinds.h"
 
 namespace Tarn {
@@ -41,6 +42,12 @@ bool SessionRunning(const QString& session) {
         return false;
     }
     return lock.error() == QLockFile::LockFailedError;
+}
+
+// "Roaming List", "MSPL", "OPLMN", ...: what the user calls the document.
+QString KindOf(const CDocument& doc) {
+    if (auto* mmss = qobject_cast<const App::MmssDocument*>(&doc)) return mmss->KindTitle();
+    return QObject::tr("Roaming List");
 }
 
 bool WriteSidecar(const QString& path, const QJsonObject& note) {
@@ -130,7 +137,7 @@ bool RecoveryManager::WriteNow(CDocument& doc) {
         {"original",
          doc.PathName().isEmpty() ? QString() : QFileInfo(doc.PathName()).absoluteFilePath()},
         {"title", doc.Title()},
-        {"kind", doc.Template().GetDocString(DocString::DocName)},
+        {"kind", KindOf(doc)},
         {"time", QDateTime::currentDateTimeUtc().toString(Qt::ISODate)},
         {"session", session_},
         {"copy", QFileInfo(t.copyPath).fileName()}};
@@ -274,11 +281,14 @@ RecoveryDialog::RecoveryDialog(const std::vector<RecoveryCopy>& copies, QWidget*
         table_->setItem(row, 2,
                         new QTableWidgetItem(
                             c.time.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))));
-        QString where = c.original.isEmpty() ? tr("untitled") : c.original;
-        if (!c.problem.isEmpty())
-            where = tr("cannot be recovered (%1); kept aside in %2")
-                        .arg(c.problem, QFileInfo(c.copyPath).absolutePath());
-        table_->setItem(row, 3, new QTableWidgetItem(where));
+        auto* where = new QTableWidgetItem(c.original.isEmpty() ? tr("untitled") : c.original);
+        if (!c.problem.isEmpty()) {
+            // The reason can be long: the cell says what happened, its tooltip says why.
+            where->setText(tr("cannot be recovered: the copy does not read (set aside)"));
+            where->setToolTip(
+                tr("%1\nKept in %2").arg(c.problem, QFileInfo(c.copyPath).absolutePath()));
+        }
+        table_->setItem(row, 3, where);
         ++row;
     }
     table_->resizeColumnsToContents();
@@ -298,7 +308,7 @@ RecoveryDialog::RecoveryDialog(const std::vector<RecoveryCopy>& copies, QWidget*
     layout->addWidget(intro);
     layout->addWidget(table_, 1);
     layout->addWidget(buttons);
-    resize(760, 320);
+    resize(900, 320);
 }
 
 std::vector<int> RecoveryDialog::Chosen() const {
