@@ -170,7 +170,12 @@ CMainFrame::CMainFrame(CTessaryApp& app) : app_(app), mdi_(new QMdiArea(this)) {
         if (!destroying_) problems->SetDocument(ActiveDocument());
     });
     connect(&app_, &CTessaryApp::recentFilesChanged, this, &CMainFrame::RebuildRecentFiles);
-    connect(qApp, &QApplication::focusChanged, this, [this] { UpdateCommands(); });
+    // Focus also moves while a widget is being destroyed (a grid's cell editor closing clears its
+    // focus from its destructor): the commands are brought up to date once that is over, never
+    // from inside it, where walking the window's children would meet half-destroyed ones.
+    connect(qApp, &QApplication::focusChanged, this, [this] {
+        QMetaObject::invokeMethod(this, &CMainFrame::UpdateCommands, Qt::QueuedConnection);
+    });
     RebuildRecentFiles();
     UpdateCommands();
 }
