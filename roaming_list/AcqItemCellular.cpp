@@ -46,7 +46,7 @@ void CAcqItemCellularAnalog::WriteToGrid(Grid& grid, int row) const {
 
 void CAcqItemCellularAnalog::ReadFromGrid(const Grid& grid, int row, const GridContext&) {
     system_ = static_cast<uint8_t>(
-        ReadNamedCell(grid, 1, row, Names().CellularSystem(), FieldMax(systemWidth_)));
+        ReadNamedCell(grid, 1, row, Names().CellularSystem(), FieldMax(systemWidth_), system_));
 }
 
 bool CAcqItemCellularAnalog::OnGridHeading(Grid& grid, int event) const {
@@ -104,8 +104,9 @@ void CAcqItemCellularCdmaStandard::WriteToGrid(Grid& grid, int row) const {
 
 void CAcqItemCellularCdmaStandard::ReadFromGrid(const Grid& grid, int row, const GridContext&) {
     const auto system =
-        ReadNamedCell(grid, 1, row, Names().CellularSystem(), FieldMax(systemWidth_));
-    const auto channel = ReadNamedCell(grid, 2, row, Names().Channel(), FieldMax(channelWidth_));
+        ReadNamedCell(grid, 1, row, Names().CellularSystem(), FieldMax(systemWidth_), system_);
+    const auto channel =
+        ReadNamedCell(grid, 2, row, Names().Channel(), FieldMax(channelWidth_), channel_);
     system_ = static_cast<uint8_t>(system);
     channel_ = static_cast<uint8_t>(channel);
 }

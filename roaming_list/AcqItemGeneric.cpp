@@ -10,6 +10,16 @@
 #include "roaming_list/RLFile.h"
 
 namespace Tarn {
+namespace {
+
+// The value entry `i` of a record held before its row was read, for a cell still showing it.
+template <typename Entry, typename Field>
+std::optional<uint32_t> Held(const std::vector<Entry>& entries, size_t i, Field field) {
+    if (i >= entries.size()) return std::nullopt;
+    return static_cast<uint32_t>(field(entries[i]));
+}
+
+}  // namespace
 
 using namespace AcqDetail;
 
@@ -115,7 +125,8 @@ void CAcqItemGenericCdma::ReadFromGrid(const Grid& grid, int row, const GridCont
         const int channelColumn = bandColumn + 1;
         BandChannel p;
         p.bandClass = static_cast<uint16_t>(
-            ReadNamedCell(grid, bandColumn, row, GetBandList(), FieldMax(layout_.bandWidth)));
+            ReadNamedCell(grid, bandColumn, row, GetBandList(), FieldMax(layout_.bandWidth),
+                          Held(pairs_, i, [](const BandChannel& x) { return x.bandClass; })));
         long long low = 0;
         long long high = channelMax;
         switch (p.bandClass) {
@@ -262,7 +273,8 @@ void CAcqItemGenericGsm::ReadFromGrid(const Grid& grid, int row, const GridConte
     std::vector<uint8_t> bands;
     for (size_t i = 0; i < count; ++i)
         bands.push_back(static_cast<uint8_t>(
-            ReadNamedCell(grid, Col(i + 1), row, GetBandList(), FieldMax(layout_.bandWidth))));
+            ReadNamedCell(grid, Col(i + 1), row, GetBandList(), FieldMax(layout_.bandWidth),
+                          Held(bands_, i, [](uint8_t x) { return x; }))));
     bands_ = std::move(bands);
 }
 
@@ -394,7 +406,8 @@ void CAcqItemGenericUmts::ReadFromGrid(const Grid& grid, int row, const GridCont
         const int bandColumn = Col(2 * i + 1);
         UmtsEntry e;
         e.band = static_cast<uint8_t>(
-            ReadNamedCell(grid, bandColumn, row, GetBandList(), FieldMax(layout_.bandWidth)));
+            ReadNamedCell(grid, bandColumn, row, GetBandList(), FieldMax(layout_.bandWidth),
+                          Held(entries_, i, [](const UmtsEntry& x) { return x.band; })));
         if (!IsBlankCell(grid, bandColumn + 1, row))
             e.uarfcn = static_cast<uint16_t>(
                 ReadNumberCell(grid, bandColumn + 1, row, 0, FieldMax(layout_.uarfcnWidth)));
@@ -579,15 +592,18 @@ void CAcqItemGenericUmb::ReadFromGrid(const Grid& grid, int row, const GridConte
         const int first = Col(kUmbColumns * i + 1);
         UmbEntry e;
         e.bandClass = static_cast<uint16_t>(
-            ReadNamedCell(grid, first, row, GetBandList(), FieldMax(layout_.bandWidth)));
+            ReadNamedCell(grid, first, row, GetBandList(), FieldMax(layout_.bandWidth),
+                          Held(entries_, i, [](const UmbEntry& x) { return x.bandClass; })));
         e.channel = static_cast<uint16_t>(
             ReadNumberCell(grid, first + 1, row, 0, FieldMax(layout_.channelWidth)));
-        e.fftSize = static_cast<uint16_t>(ReadNamedCell(grid, first + 2, row, Names().UmbFftSize(),
-                                                        FieldMax(layout_.fftSizeWidth)));
+        e.fftSize = static_cast<uint16_t>(ReadNamedCell(
+            grid, first + 2, row, Names().UmbFftSize(), FieldMax(layout_.fftSizeWidth),
+            Held(entries_, i, [](const UmbEntry& x) { return x.fftSize; })));
         e.numGuardCarriers = static_cast<uint16_t>(
             ReadNumberCell(grid, first + 3, row, 0, FieldMax(layout_.guardWidth)));
         e.cyclicPrefix = static_cast<uint16_t>(ReadNamedCell(
-            grid, first + 4, row, Names().UmbCyclicPrefix(), FieldMax(layout_.cyclicPrefixWidth)));
+            grid, first + 4, row, Names().UmbCyclicPrefix(), FieldMax(layout_.cyclicPrefixWidth),
+            Held(entries_, i, [](const UmbEntry& x) { return x.cyclicPrefix; })));
         // The grid does not show the spare field; an entry keeps the one it had at its place.
         if (i < entries_.size()) e.spare = entries_[i].spare;
         entries.push_back(e);

@@ -69,12 +69,13 @@ uint32_t ReadNumberCell(const Grid& grid, int column, int row, long long low, lo
     return static_cast<uint32_t>(value);
 }
 
-uint32_t ReadNamedCell(const Grid& grid, int column, int row, const CNameList& list,
-                       long long high) {
+uint32_t ReadNamedCell(const Grid& grid, int column, int row, const CNameList& list, long long high,
+                       std::optional<uint32_t> current) {
     RequireCell(grid, column, row);
     const std::string text = Trim(grid.GetCellText(column, row));
     int value = 0;
     if (list.FindValue(text, value)) return static_cast<uint32_t>(value);
+    if (current && text == list.GetName(static_cast<int>(*current))) return *current;
     long long number = 0;
     if (!ParseNumber(text, number)) {
         list.GetValue(text);  // raises the list's data error with the name

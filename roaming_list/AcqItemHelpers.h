@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,9 +47,11 @@ void RequireCell(const Grid& grid, int column, int row);
 // A required number in [low, high]: 140 when missing, 139 with the range otherwise.
 uint32_t ReadNumberCell(const Grid& grid, int column, int row, long long low, long long high);
 // A required name of `list` (or a plain number of at most `high`): 140 when missing, the list's
-// data error for an unknown name, 139 for a number out of range.
-uint32_t ReadNamedCell(const Grid& grid, int column, int row, const CNameList& list,
-                       long long high);
+// data error for an unknown name, 139 for a number out of range. `current` is the value the
+// record holds: a cell still showing the name the grid gives a value the list does not name
+// ("Invalid") keeps that value, so a row left as it was shown reads back what it came from.
+uint32_t ReadNamedCell(const Grid& grid, int column, int row, const CNameList& list, long long high,
+                       std::optional<uint32_t> current = std::nullopt);
 
 // Scans entries of `width` cells laid side by side from `firstColumn`, while whole entries fit
 // below `limit`. Entries stand contiguously: an empty first entry or any bad-value cell is 140,

@@ -70,7 +70,8 @@ void CAcqItemPcsCdmaBlocks::ReadFromGrid(const Grid& grid, int row, const GridCo
     std::vector<uint8_t> blocks;
     for (size_t i = 0; i < count; ++i)
         blocks.push_back(static_cast<uint8_t>(ReadNamedCell(
-            grid, static_cast<int>(i) + 1, row, BlockNames(), FieldMax(layout_.blockWidth))));
+            grid, static_cast<int>(i) + 1, row, BlockNames(), FieldMax(layout_.blockWidth),
+            i < blocks_.size() ? std::optional<uint32_t>(blocks_[i]) : std::nullopt)));
     blocks_ = std::move(blocks);
 }
 

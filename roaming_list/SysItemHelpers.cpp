@@ -52,9 +52,13 @@ uint32_t GridNumber(const Grid& grid, int column, int row, uint32_t low, uint32_
     return value;
 }
 
-int GridName(const Grid& grid, int column, int row, const CNameList& list) {
+int GridName(const Grid& grid, int column, int row, const CNameList& list,
+             std::optional<int> current) {
     const std::string text = CellText(grid, column, row);
     if (IsMissing(text)) ThrowGrid(Msg::RequiredValueMissing, column, row);
+    int value = 0;
+    if (list.FindValue(text, value)) return value;
+    if (current && text == list.GetName(*current)) return *current;
     return list.GetValue(text);
 }
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,8 +27,11 @@ bool ParseUnsigned(std::string_view text, uint32_t& value);
 
 // A number cell: missing or unreadable gives message 140, outside low..high message 139.
 uint32_t GridNumber(const Grid& grid, int column, int row, uint32_t low, uint32_t high);
-// A drop-down cell: missing gives message 140, an unknown name the list's data error.
-int GridName(const Grid& grid, int column, int row, const CNameList& list);
+// A drop-down cell: missing gives message 140, an unknown name the list's data error. A cell
+// still showing the name the grid gives `current` when the list does not name it ("Invalid")
+// keeps `current`, so a row left as it was shown reads back what it came from.
+int GridName(const Grid& grid, int column, int row, const CNameList& list,
+             std::optional<int> current = std::nullopt);
 void PutNumber(Grid& grid, int column, int row, uint32_t value, const char* mask);
 void PutName(Grid& grid, int column, int row, const CNameList& list, int value);
 void PutText(Grid& grid, int column, int row, const std::string& text, const char* mask = "");

@@ -136,9 +136,10 @@ void CSysItemPlmn::WriteTypeToGrid(Grid& grid, int row) const {
 void CSysItemPlmn::ReadTypeFromGrid(const Grid& grid, int row, const GridContext& context) {
     const auto& names = CRLNameTables::Instance();
     CheckAcqType(row, context);
-    plmnType_ = static_cast<uint8_t>(GridName(grid, kColType, row, names.PlmnType()));
+    plmnType_ = static_cast<uint8_t>(GridName(grid, kColType, row, names.PlmnType(), plmnType_));
     if (plmnType_ == kSelectMode) {
-        plmnSelect_ = static_cast<uint8_t>(GridName(grid, kColSelect, row, names.PlmnSelect()));
+        plmnSelect_ =
+            static_cast<uint8_t>(GridName(grid, kColSelect, row, names.PlmnSelect(), plmnSelect_));
         lacs_.clear();
         return;
     }
@@ -148,7 +149,7 @@ void CSysItemPlmn::ReadTypeFromGrid(const Grid& grid, int row, const GridContext
     const std::string mnc = CellText(grid, kColMnc, row);
     if (IsMissing(mnc)) ThrowGrid(Msg::RequiredValueMissing, kColMnc, row);
     if (!ParseMnc(mnc, mnc_)) ThrowGrid(Msg::InvalidMnc, kColMnc, row);
-    netSel_ = static_cast<uint8_t>(GridName(grid, kColNetSel, row, names.NetSelMode()));
+    netSel_ = static_cast<uint8_t>(GridName(grid, kColNetSel, row, names.NetSelMode(), netSel_));
     if (plmnType_ == kSingleLac) {
         lacs_ = {static_cast<uint16_t>(GridNumber(grid, kColLac, row, 0, 0xFFFF))};
     } else if (plmnType_ == kMultiLac) {
@@ -217,10 +218,8 @@ void CSysItemPlmn::TypeFromText(std::span<const std::string_view> tokens) {
         plmnSelect_ = static_cast<uint8_t>(TextName(tokens[1], names.PlmnSelect()));
         return;
     }
-    if (!ParseMccLoose(tokens[1], mcc_))
-        ThrowText(std::string("MCC \"").append(tokens[1]) + "\"");
-    if (!ParseMncLoose(tokens[2], mnc_))
-        ThrowText(std::string("MNC \"").append(tokens[2]) + "\"");
+    if (!ParseMccLoose(tokens[1], mcc_)) ThrowText(std::string("MCC \"").append(tokens[1]) + "\"");
+    if (!ParseMncLoose(tokens[2], mnc_)) ThrowText(std::string("MNC \"").append(tokens[2]) + "\"");
     netSel_ = static_cast<uint8_t>(TextName(tokens[3], names.NetSelMode()));
     if (type == kSingleLac)
         lacs_.push_back(static_cast<uint16_t>(TextNumber(tokens[4], 0xFFFF, "LAC")));

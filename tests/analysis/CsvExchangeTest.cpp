@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "analysis/CsvExchange.h"
@@ -9,6 +11,7 @@
 #include "grid/MemoryGrid.h"
 #include "roaming_list/AcqItem.h"
 #include "roaming_list/RLFile.h"
+#include "roaming_list/RLJson.h"
 #include "roaming_list/RLManager.h"
 #include "roaming_list/SysItem.h"
 #include "roaming_list/Validation.h"
@@ -46,7 +49,8 @@ Read ReadList(const std::vector<uint8_t>& bytes) {
     CRLFile file(bytes);
     DetectResult r = DetectVersion(file);
     EXPECT_TRUE(r.manager) << r.error;
-    std::vector<uint8_t> prefix = r.manager && r.manager->IsPrefixed() ? PrefixOf(bytes) : std::vector<uint8_t>{};
+    std::vector<uint8_t> prefix =
+        r.manager && r.manager->IsPrefixed() ? PrefixOf(bytes) : std::vector<uint8_t>{};
     return {std::move(r.manager), std::move(prefix)};
 }
 
@@ -103,10 +107,72 @@ TEST(CsvExchange, EveryListRebuildsByteForByte) {
     }
 }
 
+// A value its field can hold but its name list does not name is exported as "Invalid"; left as
+// exported, the cell gives back the value it came from. Every such value of each named field,
+// in every list that is valid with it, rebuilds byte for byte; typed into a fresh row, "Invalid"
+// is still refused.
+TEST(CsvExchange, ValuesWithoutANameComeBackAsTheyWere) {
+    using nlohmann::json;
+    const json base = json::parse(std::ifstream(TARN_EXAMPLES_DIR "/example-is683e.json"));
+    struct Field {
+        const char* what;
+        int maxValue;
+        std::function<void(json&, int)> set;
+    };
+    const std::vector<Field> fields = {
+        {"band class of a generic CDMA pair", 31,
+         [](json& l, int v) { l["acquisitionTable"][3]["pairs"][1]["bandClass"] = v; }},
+        {"cellular system", 3, [](json& l, int v) { l["acquisitionTable"][1]["system"] = v; }},
+        {"PCS block", 7,
+         [](json& l, int v) { l["acquisitionTable"][0]["blocks"][1]["block"] = v; }},
+        {"network selection mode", 1,
+         [](json& l, int v) { l["systemTable"][4]["netSelMode"] = v; }},
+    };
+    int exercised = 0;
+    for (const auto& field : fields)
+        for (int value = 0; value <= field.maxValue; ++value) {
+            json list = base;
+            field.set(list, value);
+            int version = 0;
+            std::unique_ptr<CRLData> data;
+            try {
+                data = ListFromJson(list, version);
+            } catch (const std::exception&) {
+                continue;  // a value the field itself refuses
+            }
+            auto manager = CreateClassFactory(version)->CreateManager();
+            auto copy = std::make_unique<CRLData>(*data);
+            manager->AttachData(copy);
+            CRLFile file;
+            if (!manager->WriteList(file)) continue;  // a list no check lets through
+            const ListTables tables = ListToTables(*data, version, {}, NoProviders());
+            if (Csv(tables.acquisition).find("Invalid") == std::string::npos &&
+                Csv(tables.system).find("Invalid") == std::string::npos)
+                continue;  // a named value
+            SCOPED_TRACE(std::string(field.what) + " " + std::to_string(value));
+            const ImportedList back = Import(tables);
+            ASSERT_TRUE(back.data) << Joined(back.errors);
+            EXPECT_EQ(Write(back), file.Bytes());
+            ++exercised;
+        }
+    EXPECT_GE(exercised, 3);
+
+    // "Invalid" typed over a value that has a name is refused as the grid refuses it.
+    int version = 0;
+    const auto named = ListFromJson(base, version);
+    ListTables typed = ListToTables(*named, version, {}, NoProviders());
+    ASSERT_EQ(typed.acquisition.rows[1][1], "A");
+    typed.acquisition.rows[1][1] = "Invalid";
+    const ImportedList refused = Import(typed);
+    EXPECT_FALSE(refused.data);
+    EXPECT_NE(Joined(refused.errors).find("acquisition.csv:3:2:"), std::string::npos) << Joined(refused.errors);
+}
+
 // Records whose grid row cannot show everything (a type 253 acquisition record's octets, an
 // undefined system record) carry it in the hidden column, and only those rows do.
 TEST(CsvExchange, OnlyRowsTheGridCannotCarryHaveHiddenFields) {
-    const auto original = Bytes(fs::path(TARN_TEST_DATA_DIR) / "roaming_list/is683e-all-types/input.prl");
+    const auto original =
+        Bytes(fs::path(TARN_TEST_DATA_DIR) / "roaming_list/is683e-all-types/input.prl");
     Read read = ReadList(original);
     const ListTables t = ListToTables(read.manager->GetData(), 5, {}, NoProviders());
     const auto hiddenColumn = [](const ExchangeTable& table) {
@@ -152,14 +218,18 @@ TEST(CsvExchange, AcceptsWhatSpreadsheetsWrite) {
         const char* what;
         std::function<std::string(const ExchangeTable&)> render;
     } cases[] = {
-        {"no byte order mark, LF", [&](const ExchangeTable& x) {
-             return replaceAll(Csv(x).substr(3), "\r\n", "\n"); }},
+        {"no byte order mark, LF",
+         [&](const ExchangeTable& x) { return replaceAll(Csv(x).substr(3), "\r\n", "\n"); }},
         {"every cell quoted", quoteEverything},
-        {"trailing empty columns and rows", [&](const ExchangeTable& x) {
-             return replaceAll(Csv(x), "\r\n", ",,,\r\n") + ",,,,\r\n\r\n"; }},
-        {"no final line end", [&](const ExchangeTable& x) {
+        {"trailing empty columns and rows",
+         [&](const ExchangeTable& x) {
+             return replaceAll(Csv(x), "\r\n", ",,,\r\n") + ",,,,\r\n\r\n";
+         }},
+        {"no final line end",
+         [&](const ExchangeTable& x) {
              std::string s = Csv(x);
-             return s.substr(0, s.size() - 2); }},
+             return s.substr(0, s.size() - 2);
+         }},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -196,7 +266,8 @@ TEST(CsvExchange, RefusesWhatIsNotCsvAtItsRowAndColumn) {
     CsvFault fault;
     ASSERT_TRUE(ReadCsv("\xEF\xBB\xBFx,\"a\"\"b,\r\nc\",\xC3\xA9\r\n,\n", rows, fault));
     EXPECT_EQ(rows, (std::vector<CsvRow>{{"x", "a\"b,\r\nc", "\xC3\xA9"}, {"", ""}}));
-    EXPECT_EQ(WriteCsv({{"a\"b", " x", "c,d", "plain"}}), "\xEF\xBB\xBF\"a\"\"b\",\" x\",\"c,d\",plain\r\n");
+    EXPECT_EQ(WriteCsv({{"a\"b", " x", "c,d", "plain"}}),
+              "\xEF\xBB\xBF\"a\"\"b\",\" x\",\"c,d\",plain\r\n");
 }
 
 // A bad cell gets the message the editor's grid gives for the same cell, placed at its row and
@@ -217,12 +288,9 @@ TEST(CsvExchange, CellFaultsCarryTheGridsMessageAndTheirPlace) {
         const char* title;  // the start of the column's title
         const char* value;
     } cases[] = {
-        {true, 1, "Acq Index", "999"},
-        {true, 0, "Roam Indicator", "256"},
-        {true, 2, "Sys Type", "Bogus"},
-        {true, 0, "Sys Type", ""},
-        {false, 0, "Acq Type", "Bogus"},
-        {true, 0, "Neg/Pref", "Maybe"},
+        {true, 1, "Acq Index", "999"},   {true, 0, "Roam Indicator", "256"},
+        {true, 2, "Sys Type", "Bogus"},  {true, 0, "Sys Type", ""},
+        {false, 0, "Acq Type", "Bogus"}, {true, 0, "Neg/Pref", "Maybe"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.title) + " = " + c.value);
@@ -241,7 +309,8 @@ TEST(CsvExchange, CellFaultsCarryTheGridsMessageAndTheirPlace) {
         for (auto [grid, x] : {std::pair{&acqGrid, &t.acquisition}, std::pair{&sysGrid, &t.system}})
             for (size_t r = 0; r < x->rows.size(); ++r)
                 for (size_t g = 0; g < x->rows[r].size() && x->titles[g] != kHiddenTitle &&
-                                   x->titles[g] != kGeoTitle; ++g)
+                                   x->titles[g] != kGeoTitle;
+                     ++g)
                     grid->SetCellText(static_cast<int>(g), static_cast<int>(r), x->rows[r][g]);
         CRLData editor(read.manager->GetData());
         const ValidationResult grid = TakeListFromEditor("1", "1", acqGrid, sysGrid, 5, editor);
@@ -249,7 +318,8 @@ TEST(CsvExchange, CellFaultsCarryTheGridsMessageAndTheirPlace) {
         std::string text = grid.issues[0].text;
         for (auto& ch : text) ch = ch == '\n' ? ' ' : ch;
         const std::string where = std::string(c.system ? "system.csv:" : "acquisition.csv:") +
-                                  std::to_string(c.record + 2) + ":" + std::to_string(col + 1) + ": ";
+                                  std::to_string(c.record + 2) + ":" + std::to_string(col + 1) +
+                                  ": ";
         EXPECT_EQ(back.errors[0], where + text);
     }
 }
@@ -267,8 +337,7 @@ TEST(CsvExchange, RefusesBadHeadersAndStrayCells) {
          "header.csv:2:1: unknown roaming list type \"IS-683Z\""},
         {"preferred only", [](ListTables& t) { t.header.rows[0][1] = "yes"; },
          "header.csv:2:2: Preferred Only is TRUE or FALSE"},
-        {"list id range", [](ListTables& t) { t.header.rows[0][3] = "65536"; },
-         "header.csv:2:4: "},
+        {"list id range", [](ListTables& t) { t.header.rows[0][3] = "65536"; }, "header.csv:2:4: "},
         {"missing column", [](ListTables& t) { t.header.titles[2] = "Roaming"; },
          "header.csv:1:3: unknown header field \"Roaming\""},
         {"bad prefix", [](ListTables& t) { t.header.rows[0][6] = "0102"; },
@@ -278,14 +347,15 @@ TEST(CsvExchange, RefusesBadHeadersAndStrayCells) {
         {"a value past the titled columns",
          [](ListTables& t) { t.system.rows[1].resize(t.system.titles.size() + 2, "x"); },
          "system.csv:3:"},
-        {"a stray cell", [](ListTables& t) {
+        {"a stray cell",
+         [](ListTables& t) {
              // Versions 1 and 2 have no association columns; column 7 holds nothing.
              t.system.rows[0][6] = "1";
              t.system.titles[6] = "";
-         }, "system.csv:2:7: this cell is not a field of the"},
-        {"acquisition index beyond the table", [](ListTables& t) {
-             t.acquisition.rows.resize(1);
-         }, "system.csv:"},
+         },
+         "system.csv:2:7: this cell is not a field of the"},
+        {"acquisition index beyond the table", [](ListTables& t) { t.acquisition.rows.resize(1); },
+         "system.csv:"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -307,8 +377,8 @@ TEST(CsvExchange, RefusesBadHeadersAndStrayCells) {
 
 TEST(CsvExchange, PrefixKeepsItsBitCountOnlyWhileItFits) {
     const std::vector<uint8_t> list(10, 0xAB);
-    EXPECT_EQ(WithPrefix({0x03, 76, 0, 0, 0}, list)[1], 76);   // 76 bits round up to 10 bytes
-    EXPECT_EQ(WithPrefix({0x03, 8, 0, 0, 0}, list)[1], 80);    // no longer the list's size
+    EXPECT_EQ(WithPrefix({0x03, 76, 0, 0, 0}, list)[1], 76);  // 76 bits round up to 10 bytes
+    EXPECT_EQ(WithPrefix({0x03, 8, 0, 0, 0}, list)[1], 80);   // no longer the list's size
     EXPECT_EQ(WithPrefix({0x03, 8, 0, 0, 0}, list)[0], 0x03);
     EXPECT_EQ(WithPrefix({}, list), list);
 }
