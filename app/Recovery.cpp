@@ -164,6 +164,10 @@ void RecoveryManager::Forget(CDocument* doc) {
 std::vector<RecoveryCopy> RecoveryManager::LeftOver() const {
     std::vector<RecoveryCopy> out;
     const QDir folder(Folder());
+    // The lock of a session that ended without leaving a copy is all that is left of it; asking
+    // whether that session still runs takes a stale lock away.
+    for (const QFileInfo& info : folder.entryInfoList({QStringLiteral("*.lock")}, QDir::Files))
+        if (info.completeBaseName() != session_) SessionRunning(info.completeBaseName());
     for (const QFileInfo& info : folder.entryInfoList({QStringLiteral("*.json")}, QDir::Files)) {
         RecoveryCopy copy;
         copy.sidecarPath = info.absoluteFilePath();

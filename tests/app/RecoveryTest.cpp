@@ -3,6 +3,8 @@
 // restored as modified documents; never taken from a running editor, never opened when they do
 // not read; and never written by the unattended conversions.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QJsonDocument>
@@ -165,6 +167,23 @@ TEST_F(Recovery, LeftOverCopiesAreOfferedAndRestored) {
     EXPECT_FALSE(QFile::exists(RecoveryManager::Folder() + "/4242-1-1.prl"));
     EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/unreadable/4242-1-2.prl"));
     EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/live-1-1.prl"));
+}
+
+TEST_F(Recovery, LocksOfEndedSessionsAreCleared) {
+    // A session killed before it wrote any copy leaves only its lock, held by a process that is
+    // gone.
+    QDir().mkpath(RecoveryManager::Folder());
+    const QString stale = RecoveryManager::Folder() + "/77-1.lock";
+    const pid_t child = ::fork();
+    if (child == 0) {
+        QLockFile lock(stale);
+        ::_exit(lock.tryLock(0) ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(QFile::exists(stale));
+    AppFixture f;
+    EXPECT_FALSE(QFile::exists(stale));
 }
 
 TEST_F(Recovery, UnattendedConversionsKeepNoCopies) {
