@@ -6,6 +6,15 @@
 
 namespace Tarn::Mmss {
 
+std::vector<CheckProblem> Document::Check() const {
+    std::vector<std::string> messages = KindProblems();
+    if (RecordCount() == 0) messages.push_back(FormatMessage(traits_.needOneRecord));
+    std::vector<CheckProblem> problems;
+    problems.reserve(messages.size());
+    for (auto& m : messages) problems.push_back({std::move(m)});
+    return problems;
+}
+
 bool Document::Write(std::vector<uint8_t>& bytes, std::string& error) const {
     const std::vector<CheckProblem> problems = Check();
     if (!problems.empty()) {
@@ -18,7 +27,7 @@ bool Document::Write(std::vector<uint8_t>& bytes, std::string& error) const {
         bytes = file.TakeBytes();
         return true;
     } catch (const std::exception& e) {
-        error = FormatMessage(SaveFailedMessage()) + " " + DescribeFailure(e);
+        error = FormatMessage(traits_.saveFailed) + " " + DescribeFailure(e);
     }
     return false;
 }
@@ -29,11 +38,21 @@ std::string Document::LoadNotice() const {
     return text;
 }
 
-std::vector<CheckProblem> Document::Problems(const std::vector<std::string>& messages) {
-    std::vector<CheckProblem> problems;
-    problems.reserve(messages.size());
-    for (const auto& m : messages) problems.push_back({m});
-    return problems;
+std::vector<std::string> Document::LoadNotices() const {
+    if (traits_.noRecords != 0 && RecordCount() == 0) return {FormatMessage(traits_.noRecords)};
+    return {};
+}
+
+size_t Document::RecordCount() const {
+    size_t count = 0;
+    for (size_t t = 0; t < TabCount(); ++t) count += TabRecords(t).GetSize();
+    return count;
+}
+
+std::vector<std::string> Document::NewTabValues(const std::vector<std::vector<std::string>>&) const {
+    std::vector<std::string> values;
+    for (const auto& field : TabForm()) values.push_back(field.initial);
+    return values;
 }
 
 std::string DescribeFailure(const std::exception& e) {

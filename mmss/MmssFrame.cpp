@@ -313,6 +313,16 @@ void PutFormValue(nlohmann::json& out, const char* key, const std::string& value
         out[key] = value;
 }
 
+void PutRecords(nlohmann::json& out, const char* key, const CRLItemList& records) {
+    auto array = nlohmann::json::array();
+    for (size_t i = 0; i < records.GetSize(); ++i) {
+        nlohmann::json record = {{"index", i}};
+        records.GetAt(i)->ToJson(record);
+        array.push_back(std::move(record));
+    }
+    out[key] = std::move(array);
+}
+
 std::string GetFormValue(const nlohmann::json& in, const char* key, DataError code) {
     if (!in.is_object()) JsonFail(code, key, "belongs to an object, but the file is not one");
     const auto it = in.find(key);

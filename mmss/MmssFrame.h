@@ -123,6 +123,8 @@ const nlohmann::json& JsonArray(const nlohmann::json& in, const char* key, DataE
 void PutFormValue(nlohmann::json& out, const char* key, const std::string& value);
 // Reads either form back; an absent key gives the empty string.
 std::string GetFormValue(const nlohmann::json& in, const char* key, DataError code);
+// `out[key]`: the records in order, each an object with its "index" and its own fields.
+void PutRecords(nlohmann::json& out, const char* key, const CRLItemList& records);
 
 // Splits a text line at tabs, dropping empty pieces and trimming blanks from each token.
 std::vector<std::string> SplitFields(const std::string& line);

@@ -11,19 +11,8 @@
 #include "foundation/AtomicFile.h"
 #include "foundation/MessageTable.h"
 #include "grid/GridError.h"
-#include "mmss/Bst3Gpp/Bst3GppDocument.h"
-#include "mmss/Bst3Gpp/Bst3GppRecord.h"
-#include "mmss/LAF/LafDocument.h"
-#include "mmss/LAF/LafRecord.h"
 #include "mmss/MmssFrame.h"
-#include "mmss/Mlpl/MlplDocument.h"
-#include "mmss/Mlpl/MlplRecord.h"
-#include "mmss/Mspl/MsplDocument.h"
-#include "mmss/Mspl/MsplRecord.h"
 #include "mmss/Plmn/PlmnDocument.h"
-#include "mmss/Plmn/PlmnRecord.h"
-#include "mmss/TechOrder/TechOrderDocument.h"
-#include "mmss/TechOrder/TechOrderRecord.h"
 
 namespace Tarn::App {
 namespace {
@@ -31,10 +20,6 @@ namespace {
 QString FromStd(const std::string& s) {
     return QString::fromStdString(s);
 }
-
-// Wide enough for a BST record with a handful of bands and their channels; the row of a record
-// that needs more is cut at the grid's edge, which its save check then reports.
-constexpr int kBstColumns = 300;
 
 std::string Lower(std::string s) {
     std::transform(s.begin(), s.end(), s.begin(),
@@ -47,16 +32,6 @@ bool Contains(const std::string& text, const std::vector<std::string>& cues) {
     for (const auto& cue : cues)
         if (lower.find(cue) != std::string::npos) return true;
     return false;
-}
-
-template <typename T>
-std::unique_ptr<Mmss::Document> Guard(T&& read, std::string& error) {
-    try {
-        return read();
-    } catch (const std::exception& e) {
-        error = Mmss::DescribeFailure(e);
-    }
-    return nullptr;
 }
 
 // ---- Undo commands ------------------------------------------------------------------------------
@@ -125,7 +100,8 @@ private:
 
 // ---- MmssDocument -------------------------------------------------------------------------------
 
-MmssDocument::MmssDocument(CDocTemplate& tmpl) : CDocument(tmpl) {}
+MmssDocument::MmssDocument(CDocTemplate& tmpl, FileKind kind)
+    : CDocument(tmpl), pattern_(Mmss::TraitsOf(kind).make()) {}
 
 MmssDocument::~MmssDocument() {
     // Commands refer to the tabs and grids; they go first.
@@ -136,18 +112,28 @@ QString MmssDocument::TabLabel(int index) const {
     return tr("Tab %1").arg(index + 1);
 }
 
-QString MmssDocument::RefuseEntry(int, const QString&) const {
-    return {};
+QString MmssDocument::KindTitle() const {
+    return FromStd(pattern_->Title());
+}
+
+QString MmssDocument::GridTitle() const {
+    return FromStd(pattern_->GridTitle());
+}
+
+QString MmssDocument::RefuseEntry(int column, const QString& text) const {
+    return FromStd(pattern_->RefuseEntry(column, text.trimmed().toStdString()));
+}
+
+std::unique_ptr<Mmss::Document> MmssDocument::MakeDocument() const {
+    std::unique_ptr<Mmss::Document> doc = pattern_->Empty();
+    doc->SetHeaderValues(header_);
+    for (const auto& tab : tabs_) doc->AddTab(tab->fields);
+    return doc;
 }
 
 void MmssDocument::InitNew() {
-    std::vector<std::string> header;
-    for (const auto& f : HeaderFields()) {
-        (void)f;
-        header.emplace_back("0");
-    }
-    SetHeader(std::move(header));
-    ClearTabs();
+    header_ = std::vector<std::string>(HeaderFields().size(), "0");
+    tabs_.clear();
     MmssTab& tab = AppendTab(NewTabFields());
     CRLItemList records;
     records.Add(NewRecord());
@@ -155,10 +141,14 @@ void MmssDocument::InitNew() {
 }
 
 std::vector<std::string> MmssDocument::NewTabFields() const {
-    return std::vector<std::string>(TabFields().size());
+    std::vector<std::vector<std::string>> tabs;
+    for (const auto& tab : tabs_) tabs.push_back(tab->fields);
+    return pattern_->NewTabValues(tabs);
 }
 
-int MmssDocument::TabOfProblem(const Mmss::Document&, const std::string& message) const {
+int MmssDocument::TabOfProblem(const Mmss::Document& doc, const std::string& message) const {
+    for (size_t t = 0; t < doc.TabCount(); ++t)
+        if (doc.TabProblem(t) == message) return static_cast<int>(t);
     static const QRegularExpression tabNumber(QStringLiteral("Tab[- ](\\d+)"));
     const auto match = tabNumber.match(FromStd(message));
     return match.hasMatch() ? match.captured(1).toInt() - 1 : 0;
@@ -179,13 +169,22 @@ bool MmssDocument::OnOpenDocument(const QString& path) {
         Prompts().Message(parent, FromStd(error), MsgIcon::Error);
         return false;
     }
-    std::unique_ptr<Mmss::Document> doc = Parse(bytes, path.toStdString(), error);
+    std::unique_ptr<Mmss::Document> doc = Mmss::Guarded(
+        [&] {
+            std::unique_ptr<Mmss::Document> read = pattern_->Empty();
+            read->ReadBytes(bytes, path.toStdString());
+            return read;
+        },
+        error);
     if (!doc) {
         Prompts().Message(parent, FromStd(error), MsgIcon::Error);
         return false;
     }
-    ClearTabs();
-    Load(*doc);
+    header_ = doc->HeaderValues();
+    tabs_.clear();
+    for (size_t t = 0; t < doc->TabCount(); ++t)
+        FillGrid(AppendTab(doc->TabValues(t)), doc->TabRecords(t));
+    pattern_ = doc->Empty();  // a PLMN list's kind is the one read
     UndoStack().clear();
     pendingNotice_ = FromStd(doc->LoadNotice());
     emit tabsChanged();
@@ -210,7 +209,7 @@ bool MmssDocument::OnSaveDocument(const QString& path) {
     if (!WriteFileAtomically(path.toStdString(), bytes, error)) {
         Prompts().Message(
             DialogParent(),
-            FromStd(FormatMessage(SaveFailedMessageOf(*doc))) + "\n" + FromStd(error),
+            FromStd(FormatMessage(doc->Traits().saveFailed)) + "\n" + FromStd(error),
             MsgIcon::Error);
         return false;
     }
@@ -323,7 +322,7 @@ std::shared_ptr<MmssTab> MmssDocument::TakeTabObject(int index) {
 }
 
 std::unique_ptr<GridModel> MmssDocument::MakeGrid() {
-    auto grid = std::make_unique<GridModel>(TableName(), GridColumns(),
+    auto grid = std::make_unique<GridModel>(pattern_->Traits().tableName, GridColumns(),
                                             std::min(GridColumns(), 12));
     grid->SetUndoStack(&UndoStack());
     grid->SetRowInitializer([this](GridModel& g, int row) {
@@ -374,7 +373,7 @@ std::unique_ptr<Mmss::Document> MmssDocument::TakeValues(bool checked, bool quie
     if (checked) {
         // Header and tab fields first, as the form shows them; "needs a record" waits for the
         // grids to be read.
-        const std::string needOne = FormatMessage(NeedOneRecordMessage());
+        const std::string needOne = FormatMessage(pattern_->Traits().needOneRecord);
         for (const auto& problem : doc->Check()) {
             if (problem.message == needOne) continue;
             Prompts().Message(DialogParent(), FromStd(problem.message), MsgIcon::Error);
@@ -401,7 +400,7 @@ std::unique_ptr<Mmss::Document> MmssDocument::TakeValues(bool checked, bool quie
             }
             records.Add(std::move(record));
         }
-        AddRecords(*doc, t, std::move(records));
+        doc->TabRecords(static_cast<size_t>(t)) = std::move(records);
     }
     if (checked) {
         const auto problems = doc->Check();
@@ -446,196 +445,28 @@ bool MmssDocument::RenderText(QString& text, bool quiet) {
     return true;
 }
 
-unsigned SaveFailedMessageOf(const Mmss::Document& doc) {
-    switch (doc.Kind()) {
-        case FileKind::Mspl:
-            return Msg::ErrorSavingMspl;
-        case FileKind::Mlpl:
-            return Msg::ErrorSavingMlpl;
-        case FileKind::Plmn:
-            return Msg::ErrorSavingPlmn;
-        case FileKind::Bst3Gpp:
-            return Msg::ErrorSavingBst;
-        case FileKind::TechOrder:
-            return Msg::ErrorSavingTot;
-        default:
-            return Msg::ErrorWritingFile;
-    }
-}
-
-// ---- MSPL ---------------------------------------------------------------------------------------
-
-namespace Mspl {
-
-std::vector<FieldSpec> Document::HeaderFields() const {
-    return {{"revision", tr("RLType (Mmss Revision) :"), 3, {"revision"}},
-            {"version", tr("Mspl Version :"), 5, {"version"}}};
-}
-
-std::vector<FieldSpec> Document::TabFields() const {
-    return {{"id", tr("Mspl Id :"), 3, {"mspl id"}}};
-}
-
-std::string Document::TableName() const {
-    return Tarn::Mspl::Record::kTableName;
-}
-
-std::unique_ptr<CRLItem> Document::NewRecord() const {
-    return std::make_unique<Tarn::Mspl::Record>();
-}
-
-// The next identifier after the highest one in use, so a new tab does not repeat one.
-std::vector<std::string> Document::NewTabFields() const {
-    long long next = 0;
-    for (int t = 0; t < TabCount(); ++t)
-        next = std::max(next, Tarn::Mmss::ParseDecimal(TabValue(t, "id")) + 1);
-    return {std::to_string(std::min(next, 255LL))};
-}
-
-std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
-                                                 const std::string&, std::string& error) const {
-    return Guard([&] { return Tarn::Mspl::Document::FromBytes(bytes); }, error);
-}
-
-void Document::Load(const Mmss::Document& base) {
-    const auto& doc = static_cast<const Tarn::Mspl::Document&>(base);
-    SetHeader({doc.header.revision, doc.header.version});
-    for (size_t i = 0; i < doc.data.lists.size(); ++i) {
-        MmssTab& tab = AppendTab({i < doc.data.ids.size() ? doc.data.ids[i] : std::string()});
-        FillGrid(tab, doc.data.lists[i]);
-    }
-}
-
-std::unique_ptr<Mmss::Document> Document::MakeDocument() const {
-    auto doc = std::make_unique<Tarn::Mspl::Document>();
-    doc->header.revision = HeaderValue("revision");
-    doc->header.version = HeaderValue("version");
-    for (int t = 0; t < TabCount(); ++t) doc->data.AddId(TabValue(t, "id"));
-    return doc;
-}
-
-void Document::AddRecords(Mmss::Document& base, int tab, CRLItemList records) const {
-    auto& doc = static_cast<Tarn::Mspl::Document&>(base);
-    doc.data.lists.at(static_cast<size_t>(tab)) = std::move(records);
-}
-
-unsigned Document::NeedOneRecordMessage() const {
-    return Msg::NeedOneMsplRecord;
-}
-
-}  // namespace Mspl
-
-// ---- MLPL ---------------------------------------------------------------------------------------
-
-namespace Mlpl {
-
-std::vector<FieldSpec> Document::HeaderFields() const {
-    return {{"revision", tr("RLType (Mmss Revision) :"), 3, {"revision"}},
-            {"version", tr("Mlpl Version :"), 5, {"version"}},
-            {"id", tr("Mlpl Id :"), 3, {"mlpl id"}}};
-}
-
-std::vector<FieldSpec> Document::TabFields() const {
-    return {{"mcc", tr("Mcc :"), 3, {"mcc"}},
-            {"mnc", tr("Mnc :"), 3, {"mnc"}},
-            {"msplIndex", tr("Mspl Index :"), 3, {"msplindex"}}};
-}
-
-std::string Document::TableName() const {
-    return Tarn::Mlpl::Record::kTableName;
-}
-
-std::unique_ptr<CRLItem> Document::NewRecord() const {
-    return std::make_unique<Tarn::Mlpl::Record>();
-}
-
-std::vector<std::string> Document::NewTabFields() const {
-    return {"", "", "0"};
-}
-
-std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
-                                                 const std::string&, std::string& error) const {
-    return Guard([&] { return Tarn::Mlpl::Document::FromBytes(bytes); }, error);
-}
-
-void Document::Load(const Mmss::Document& base) {
-    const auto& doc = static_cast<const Tarn::Mlpl::Document&>(base);
-    SetHeader({doc.header.revision, doc.header.version, doc.header.id});
-    for (const auto& location : doc.data.records) {
-        MmssTab& tab = AppendTab({location.mcc, location.mnc, location.msplIndex});
-        FillGrid(tab, location.tags);
-    }
-}
-
-std::unique_ptr<Mmss::Document> Document::MakeDocument() const {
-    auto doc = std::make_unique<Tarn::Mlpl::Document>();
-    doc->header.revision = HeaderValue("revision");
-    doc->header.version = HeaderValue("version");
-    doc->header.id = HeaderValue("id");
-    for (int t = 0; t < TabCount(); ++t) {
-        Tarn::Mlpl::Location location;
-        location.mcc = TabValue(t, "mcc");
-        location.mnc = TabValue(t, "mnc");
-        location.msplIndex = TabValue(t, "msplIndex");
-        doc->data.records.push_back(std::move(location));
-    }
-    return doc;
-}
-
-void Document::AddRecords(Mmss::Document& base, int tab, CRLItemList records) const {
-    auto& doc = static_cast<Tarn::Mlpl::Document&>(base);
-    doc.data.records.at(static_cast<size_t>(tab)).tags = std::move(records);
-}
-
-unsigned Document::NeedOneRecordMessage() const {
-    return Msg::NeedOneMlplRecord;
-}
-
-}  // namespace Mlpl
-
 // ---- PLMN lists ---------------------------------------------------------------------------------
 
-namespace Plmn {
-
-Document::Document(CDocTemplate& tmpl) : MmssDocument(tmpl), kind_(Tarn::Plmn::kEhplmn) {
-    if (auto* app = CTessaryApp::Instance()) {
-        const uint8_t k = app->PlmnKind();
-        if (k >= Tarn::Plmn::kEhplmn && k <= Tarn::Plmn::kUplmn) kind_ = k;
-    }
+PlmnDocument::PlmnDocument(CDocTemplate& tmpl) : MmssDocument(tmpl, FileKind::Plmn) {
+    SetListKind(Tarn::Plmn::kEhplmn);
+    if (const auto* app = CTessaryApp::Instance()) SetListKind(app->PlmnKind());
 }
 
-QString Document::KindTitle() const {
-    Tarn::Plmn::Data data;
-    data.listKind = kind_;
-    return FromStd(data.KindName());
+uint8_t PlmnDocument::ListKind() const {
+    return static_cast<const Tarn::Plmn::Document&>(Pattern()).data.listKind;
 }
 
-QString Document::GridTitle() const {
-    Tarn::Plmn::Data data;
-    data.listKind = kind_;
-    return FromStd(data.GridTitle());
-}
-
-std::string Document::TableName() const {
-    return Tarn::Plmn::Record::kTableName;
-}
-
-int Document::GridColumns() const {
-    return Tarn::Plmn::HasAccessBytes(kind_) ? 5 : 2;
-}
-
-std::unique_ptr<CRLItem> Document::NewRecord() const {
-    return std::make_unique<Tarn::Plmn::Record>(kind_);
-}
-
-bool Document::OnOpenDocument(const QString& path) {
-    const int kind = Mmss::PlmnListKindFromPath(path.toStdString());
+void PlmnDocument::SetListKind(int kind) {
     if (kind >= Tarn::Plmn::kEhplmn && kind <= Tarn::Plmn::kUplmn)
-        kind_ = static_cast<uint8_t>(kind);
+        static_cast<Tarn::Plmn::Document&>(Pattern()).data.listKind = static_cast<uint8_t>(kind);
+}
+
+bool PlmnDocument::OnOpenDocument(const QString& path) {
+    SetListKind(Mmss::PlmnListKindFromPath(path.toStdString()));
     return MmssDocument::OnOpenDocument(path);
 }
 
-FileDialogSpec Document::SaveAsSpec() const {
+FileDialogSpec PlmnDocument::SaveAsSpec() const {
     FileDialogSpec request = MmssDocument::SaveAsSpec();
     const QString ext = KindTitle().toLower();
     request.filter = tr("%1 Files (*.%2)|*.%2|All Files (*.*)|*.*||").arg(KindTitle(), ext);
@@ -643,217 +474,25 @@ FileDialogSpec Document::SaveAsSpec() const {
     return request;
 }
 
-std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
-                                                 const std::string& path,
-                                                 std::string& error) const {
-    return Guard([&] { return Tarn::Plmn::Document::FromBytes(bytes, path); }, error);
-}
-
-void Document::Load(const Mmss::Document& base) {
-    const auto& doc = static_cast<const Tarn::Plmn::Document&>(base);
-    kind_ = doc.data.listKind;
-    FillGrid(AppendTab({}), doc.data.records);
-}
-
-std::unique_ptr<Mmss::Document> Document::MakeDocument() const {
-    auto doc = std::make_unique<Tarn::Plmn::Document>();
-    doc->data.listKind = kind_;
-    return doc;
-}
-
-void Document::AddRecords(Mmss::Document& base, int, CRLItemList records) const {
-    static_cast<Tarn::Plmn::Document&>(base).data.records = std::move(records);
-}
-
-unsigned Document::NeedOneRecordMessage() const {
-    return Msg::NeedOnePlmnRecord;
-}
-
-}  // namespace Plmn
-
-// ---- 3GPP BST -----------------------------------------------------------------------------------
-
-namespace Bst3Gpp {
-
-std::vector<FieldSpec> Document::HeaderFields() const {
-    return {{"version", tr("Version :"), 5, {"version"}}};
-}
-
-std::vector<FieldSpec> Document::TabFields() const {
-    return {{"type", tr("Type :"), 3, {"bst type"}},
-            {"extension", tr("Extension :"), 3, {"extension"}},
-            {"mcc", tr("Mcc :"), 3, {"mcc"}}};
-}
-
-std::string Document::TableName() const {
-    return Tarn::Bst3Gpp::Record::kTableName;
-}
-
-int Document::GridColumns() const {
-    return kBstColumns;
-}
-
-std::unique_ptr<CRLItem> Document::NewRecord() const {
-    auto record = std::make_unique<Tarn::Bst3Gpp::Record>();
-    record->bands.push_back(Tarn::Bst3Gpp::Band{});
-    return record;
-}
-
-std::vector<std::string> Document::NewTabFields() const {
-    return {"1", "0", ""};
-}
-
-int Document::TabOfProblem(const Mmss::Document& base, const std::string& message) const {
-    const auto& doc = static_cast<const Tarn::Bst3Gpp::Document&>(base);
-    for (size_t i = 0; i < doc.data.entries.size(); ++i)
-        if (doc.data.entries[i].Check(static_cast<int>(i) + 1) == message)
-            return static_cast<int>(i);
-    return MmssDocument::TabOfProblem(base, message);
-}
-
-std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
-                                                 const std::string&, std::string& error) const {
-    return Guard([&] { return Tarn::Bst3Gpp::Document::FromBytes(bytes); }, error);
-}
-
-void Document::Load(const Mmss::Document& base) {
-    const auto& doc = static_cast<const Tarn::Bst3Gpp::Document&>(base);
-    SetHeader({doc.header.version});
-    for (const auto& entry : doc.data.entries) {
-        MmssTab& tab = AppendTab({entry.type, entry.extension, entry.mcc});
-        FillGrid(tab, entry.records);
-    }
-}
-
-std::unique_ptr<Mmss::Document> Document::MakeDocument() const {
-    auto doc = std::make_unique<Tarn::Bst3Gpp::Document>();
-    doc->header.version = HeaderValue("version");
-    for (int t = 0; t < TabCount(); ++t) {
-        Tarn::Bst3Gpp::Entry entry;
-        entry.type = TabValue(t, "type");
-        entry.extension = TabValue(t, "extension");
-        entry.mcc = TabValue(t, "mcc");
-        doc->data.entries.push_back(std::move(entry));
-    }
-    return doc;
-}
-
-void Document::AddRecords(Mmss::Document& base, int tab, CRLItemList records) const {
-    auto& doc = static_cast<Tarn::Bst3Gpp::Document&>(base);
-    doc.data.entries.at(static_cast<size_t>(tab)).records = std::move(records);
-}
-
-unsigned Document::NeedOneRecordMessage() const {
-    return Msg::NeedOneBstRecord;
-}
-
-}  // namespace Bst3Gpp
-
-// ---- Technology order table ---------------------------------------------------------------------
-
-namespace TechOrder {
-
-std::vector<FieldSpec> Document::HeaderFields() const {
-    return {{"version", tr("Version :"), 5, {"version"}}};
-}
-
-std::string Document::TableName() const {
-    return Tarn::TechOrder::Record::kTableName;
-}
-
-std::unique_ptr<CRLItem> Document::NewRecord() const {
-    return std::make_unique<Tarn::TechOrder::Record>();
-}
-
-std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
-                                                 const std::string&, std::string& error) const {
-    return Guard([&] { return Tarn::TechOrder::Document::FromBytes(bytes); }, error);
-}
-
-void Document::Load(const Mmss::Document& base) {
-    const auto& doc = static_cast<const Tarn::TechOrder::Document&>(base);
-    SetHeader({doc.header.version});
-    FillGrid(AppendTab({}), doc.data.records);
-}
-
-std::unique_ptr<Mmss::Document> Document::MakeDocument() const {
-    auto doc = std::make_unique<Tarn::TechOrder::Document>();
-    doc->header.version = HeaderValue("version");
-    return doc;
-}
-
-void Document::AddRecords(Mmss::Document& base, int, CRLItemList records) const {
-    static_cast<Tarn::TechOrder::Document&>(base).data.records = std::move(records);
-}
-
-unsigned Document::NeedOneRecordMessage() const {
-    return Msg::NeedOneTotRecord;
-}
-
-}  // namespace TechOrder
-
-// ---- LTE available file -------------------------------------------------------------------------
-
-namespace LAF {
-
-std::string Document::TableName() const {
-    return Tarn::LAF::LafRecord::kTableName;
-}
-
-std::unique_ptr<CRLItem> Document::NewRecord() const {
-    return std::make_unique<Tarn::LAF::LafRecord>();
-}
-
-QString Document::RefuseEntry(int column, const QString& text) const {
-    unsigned message = 0, hint = 0;
-    if (Tarn::LAF::LafRecord::CheckEntry(column, text.trimmed().toStdString(), message, hint))
-        return {};
-    return FromStd(FormatMessage(message)) + "\n" + FromStd(FormatMessage(hint));
-}
-
-std::unique_ptr<Mmss::Document> Document::Parse(const std::vector<uint8_t>& bytes,
-                                                 const std::string&, std::string& error) const {
-    return Guard([&] { return Tarn::LAF::LafDocument::FromBytes(bytes); }, error);
-}
-
-void Document::Load(const Mmss::Document& base) {
-    const auto& doc = static_cast<const Tarn::LAF::LafDocument&>(base);
-    FillGrid(AppendTab({}), doc.data.records);
-}
-
-std::unique_ptr<Mmss::Document> Document::MakeDocument() const {
-    return std::make_unique<Tarn::LAF::LafDocument>();
-}
-
-void Document::AddRecords(Mmss::Document& base, int, CRLItemList records) const {
-    static_cast<Tarn::LAF::LafDocument&>(base).data.records = std::move(records);
-}
-
-unsigned Document::NeedOneRecordMessage() const {
-    return Msg::NeedOneLafRecord;
-}
-
-}  // namespace LAF
-
 // ---- Factories ----------------------------------------------------------------------------------
 
 std::unique_ptr<CDocument> CreateMsplDocument(CDocTemplate& tmpl) {
-    return std::make_unique<Mspl::Document>(tmpl);
+    return std::make_unique<MmssDocument>(tmpl, FileKind::Mspl);
 }
 std::unique_ptr<CDocument> CreateBst3GppDocument(CDocTemplate& tmpl) {
-    return std::make_unique<Bst3Gpp::Document>(tmpl);
+    return std::make_unique<MmssDocument>(tmpl, FileKind::Bst3Gpp);
 }
 std::unique_ptr<CDocument> CreateMlplDocument(CDocTemplate& tmpl) {
-    return std::make_unique<Mlpl::Document>(tmpl);
+    return std::make_unique<MmssDocument>(tmpl, FileKind::Mlpl);
 }
 std::unique_ptr<CDocument> CreatePlmnDocument(CDocTemplate& tmpl) {
-    return std::make_unique<Plmn::Document>(tmpl);
+    return std::make_unique<PlmnDocument>(tmpl);
 }
 std::unique_ptr<CDocument> CreateTechOrderDocument(CDocTemplate& tmpl) {
-    return std::make_unique<TechOrder::Document>(tmpl);
+    return std::make_unique<MmssDocument>(tmpl, FileKind::TechOrder);
 }
 std::unique_ptr<CDocument> CreateLafDocument(CDocTemplate& tmpl) {
-    return std::make_unique<LAF::Document>(tmpl);
+    return std::make_unique<MmssDocument>(tmpl, FileKind::Laf);
 }
 
 }  // namespace Tarn::App

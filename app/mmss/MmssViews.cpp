@@ -79,7 +79,7 @@ MmssTabPage::MmssTabPage(MmssDocument& doc, int tab, QWidget* parent)
         auto* row = new QHBoxLayout;
         for (size_t i = 0; i < requests.size(); ++i) {
             QLineEdit* edit = MakeField(requests[i], this);
-            auto* label = new QLabel(requests[i].label, this);
+            auto* label = new QLabel(tr(requests[i].label.c_str()), this);
             label->setBuddy(edit);
             row->addWidget(label);
             row->addWidget(edit);
@@ -165,7 +165,7 @@ MmssView::MmssView(MmssDocument& doc, QWidget* parent) : QWidget(parent), doc_(d
         auto* row = new QHBoxLayout(box);
         for (const auto& request : requests) {
             QLineEdit* edit = MakeField(request, box);
-            auto* label = new QLabel(request.label, box);
+            auto* label = new QLabel(tr(request.label.c_str()), box);
             label->setBuddy(edit);
             row->addWidget(label);
             row->addWidget(edit);

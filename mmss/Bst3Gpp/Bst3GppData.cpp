@@ -9,26 +9,10 @@
 
 namespace Tarn::Bst3Gpp {
 
-uint32_t Header::Read(CRLFile& file) {
-    file.Seek(0);
-    file.SetBitOffset(0);
-    version = Mmss::Decimal(Mmss::Take(file, 16, "BST version"));
-    return 16;
-}
-
-uint32_t Header::Write(CRLFile& file) const {
-    file.Seek(0);
-    file.SetBitOffset(0);
-    file.WriteBits(16, static_cast<uint32_t>(Mmss::ParseDecimal(version)) & 0xFFFFu);
-    return 16;
-}
-
-std::vector<std::string> Header::Check() const {
-    std::vector<std::string> problems;
-    Mmss::CheckHeaderValue(version, 65535, "Bst3Gpp Version Value is missing",
-                           "Invalid Bst3Gpp Version Value.Range is 0 - 65535", problems);
-    return problems;
-}
+const std::array<Mmss::HeaderField<Header>, 1> Header::kFields = {{
+    {"version", &Header::version, 16, "BST version", "version", "Version :", "version",
+     "Bst3Gpp Version Value is missing", "Invalid Bst3Gpp Version Value.Range is 0 - 65535"},
+}};
 
 uint32_t Entry::Read(CRLFile& file) {
     records.Clear();

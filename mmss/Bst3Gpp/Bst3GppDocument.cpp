@@ -4,9 +4,7 @@
 #include <nlohmann/json.hpp>
 
 // Tarn
-#include "foundation/MessageTable.h"
 #include "mmss/Bst3Gpp/Bst3GppRecord.h"
-#include "mmss/Bst3Gpp/Bst3GppTextManager.h"
 #include "mmss/MmssFrame.h"
 
 namespace Tarn::Bst3Gpp {
@@ -14,15 +12,10 @@ namespace {
 constexpr DataError kError = DataError::InvalidAcqTable;
 }
 
-std::unique_ptr<Document> Document::FromBytes(const std::vector<uint8_t>& bytes) {
-    return Mmss::ReadHeaderAndBody<Document>(bytes);
-}
-
-std::unique_ptr<Document> Document::FromJsonValue(const nlohmann::json& json) {
-    auto doc = std::make_unique<Document>();
-    doc->header.version = Mmss::GetFormValue(json, "version", kError);
+void Document::ReadJson(const nlohmann::json& json, const std::string&) {
+    header.FromJson(json, kError);
     for (const auto& in : Mmss::JsonArray(json, "entries", kError)) {
-        Entry& entry = doc->data.entries.emplace_back();
+        Entry& entry = data.entries.emplace_back();
         if (in.contains("bstType")) entry.type = Mmss::GetFormValue(in, "bstType", kError);
         if (in.contains("extensionIncluded"))
             entry.extension = Mmss::GetFormValue(in, "extensionIncluded", kError);
@@ -33,19 +26,12 @@ std::unique_ptr<Document> Document::FromJsonValue(const nlohmann::json& json) {
             entry.records.Add(std::move(record));
         }
     }
-    return doc;
-}
-
-std::string Document::RenderText() const {
-    std::string text;
-    TextManager::Render(header, data, text);
-    return text;
 }
 
 void Document::ToJson(nlohmann::json& out) const {
     out = nlohmann::json::object();
     out["fileType"] = KindName();
-    Mmss::PutFormValue(out, "version", header.version);
+    header.ToJson(out);
     auto entries = nlohmann::json::array();
     for (size_t i = 0; i < data.entries.size(); ++i) {
         const Entry& entry = data.entries[i];
@@ -53,23 +39,16 @@ void Document::ToJson(nlohmann::json& out) const {
         Mmss::PutFormValue(e, "bstType", entry.type);
         Mmss::PutFormValue(e, "extensionIncluded", entry.extension);
         e["mcc"] = entry.mcc;
-        auto records = nlohmann::json::array();
-        for (size_t r = 0; r < entry.records.GetSize(); ++r) {
-            nlohmann::json rec = {{"index", r}};
-            entry.records.GetAt(r)->ToJson(rec);
-            records.push_back(std::move(rec));
-        }
-        e["records"] = std::move(records);
+        Mmss::PutRecords(e, "records", entry.records);
         entries.push_back(std::move(e));
     }
     out["entries"] = std::move(entries);
 }
 
-std::vector<CheckProblem> Document::Check() const {
+std::vector<std::string> Document::KindProblems() const {
     std::vector<std::string> problems = header.Check();
     if (std::string bad = data.CheckTabs(); !bad.empty()) problems.push_back(bad);
-    if (data.RecordCount() == 0) problems.push_back(FormatMessage(Msg::NeedOneBstRecord));
-    return Problems(problems);
+    return problems;
 }
 
 std::vector<std::string> Document::Info() const {
@@ -77,13 +56,34 @@ std::vector<std::string> Document::Info() const {
             "Records: " + std::to_string(data.RecordCount())};
 }
 
-std::vector<std::string> Document::LoadNotices() const {
-    if (data.RecordCount() == 0) return {FormatMessage(Msg::NoBstRecordsInFile)};
-    return {};
+std::vector<Mmss::FormField> Document::TabForm() const {
+    return {{"type", "Type :", 3, {"bst type"}, "1"},
+            {"extension", "Extension :", 3, {"extension"}, "0"},
+            {"mcc", "Mcc :", 3, {"mcc"}, ""}};
 }
 
-unsigned Document::SaveFailedMessage() const {
-    return Msg::ErrorSavingBst;
+std::vector<std::string> Document::TabValues(size_t tab) const {
+    const Entry& entry = data.entries.at(tab);
+    return {entry.type, entry.extension, entry.mcc};
+}
+
+CRLItemList& Document::AddTab(const std::vector<std::string>& values) {
+    Entry& entry = data.entries.emplace_back();
+    entry.type = values.size() > 0 ? values[0] : std::string();
+    entry.extension = values.size() > 1 ? values[1] : std::string();
+    entry.mcc = values.size() > 2 ? values[2] : std::string();
+    return entry.records;
+}
+
+std::string Document::TabProblem(size_t tab) const {
+    return tab < data.entries.size() ? data.entries[tab].Check(static_cast<int>(tab) + 1)
+                                     : std::string();
+}
+
+std::unique_ptr<CRLItem> Document::NewRecord() const {
+    auto record = std::make_unique<Record>();
+    record->bands.push_back(Band{});
+    return record;
 }
 
 }  // namespace Tarn::Bst3Gpp

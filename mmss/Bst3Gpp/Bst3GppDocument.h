@@ -1,4 +1,5 @@
-// Bst3Gpp::Document: a 3GPP BST file held without any user interface.
+// Bst3Gpp::Document: a 3GPP BST file held without any user interface. Its tabs are the BST
+// entries (type, extension flag, MCC), each with its records.
 //
 // JSON: {"fileType": "3GPP BST", "version": 1,
 //        "entries": [{"index": 0, "bstType": 1, "extensionIncluded": 0, "mcc": "310",
@@ -14,29 +15,34 @@
 #include <vector>
 
 #include "mmss/Bst3Gpp/Bst3GppData.h"
+#include "mmss/Bst3Gpp/Bst3GppTextManager.h"
 #include "mmss/MmssDocument.h"
 
 namespace Tarn::Bst3Gpp {
 
-class Document : public Mmss::Document {
+class Document : public Mmss::FormDocument<Header, Data, TextManager> {
 public:
-    Header header;
-    Data data;
+    Document() : FormDocument(FileKind::Bst3Gpp) {}
 
-    static std::unique_ptr<Document> FromBytes(const std::vector<uint8_t>& bytes);
-    static std::unique_ptr<Document> FromJsonValue(const nlohmann::json& json);
-
-    FileKind Kind() const override { return FileKind::Bst3Gpp; }
-    std::string KindName() const override { return "3GPP BST"; }
-    std::string RenderText() const override;
+    void ReadJson(const nlohmann::json& json, const std::string& path) override;
     void ToJson(nlohmann::json& out) const override;
-    std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
 
+    std::vector<Mmss::FormField> TabForm() const override;
+    size_t TabCount() const override { return data.entries.size(); }
+    std::vector<std::string> TabValues(size_t tab) const override;
+    const CRLItemList& TabRecords(size_t tab) const override {
+        return data.entries.at(tab).records;
+    }
+    using Mmss::Document::TabRecords;
+    CRLItemList& AddTab(const std::vector<std::string>& values) override;
+    // An entry's messages do not name its tab.
+    std::string TabProblem(size_t tab) const override;
+    // A record starts with one band.
+    std::unique_ptr<CRLItem> NewRecord() const override;
+
 protected:
-    std::vector<std::string> LoadNotices() const override;
-    void Save(CRLFile& file) const override { SaveFile(file, header, data); }
-    unsigned SaveFailedMessage() const override;
+    std::vector<std::string> KindProblems() const override;
 };
 
 }  // namespace Tarn::Bst3Gpp

@@ -10,20 +10,16 @@
 
 namespace Tarn::LAF {
 
-std::unique_ptr<LafDocument> LafDocument::FromBytes(const std::vector<uint8_t>& bytes) {
-    auto doc = std::make_unique<LafDocument>();
-    doc->data.Read(bytes);
-    return doc;
+void LafDocument::ReadBytes(const std::vector<uint8_t>& bytes, const std::string&) {
+    data.Read(bytes);
 }
 
-std::unique_ptr<LafDocument> LafDocument::FromJsonValue(const nlohmann::json& json) {
-    auto doc = std::make_unique<LafDocument>();
+void LafDocument::ReadJson(const nlohmann::json& json, const std::string&) {
     for (const auto& in : Mmss::JsonArray(json, "records", DataError::InvalidSystem)) {
         auto record = std::make_unique<LafRecord>();
         record->FromJson(in);
-        doc->data.records.Add(std::move(record));
+        data.records.Add(std::move(record));
     }
-    return doc;
 }
 
 std::string LafDocument::RenderText() const {
@@ -36,18 +32,7 @@ std::string LafDocument::RenderText() const {
 void LafDocument::ToJson(nlohmann::json& out) const {
     out = nlohmann::json::object();
     out["fileType"] = KindName();
-    auto records = nlohmann::json::array();
-    for (size_t i = 0; i < data.records.GetSize(); ++i) {
-        nlohmann::json rec = {{"index", i}};
-        data.records.GetAt(i)->ToJson(rec);
-        records.push_back(std::move(rec));
-    }
-    out["records"] = std::move(records);
-}
-
-std::vector<CheckProblem> LafDocument::Check() const {
-    if (data.records.IsEmpty()) return Problems({FormatMessage(Msg::NeedOneLafRecord)});
-    return {};
+    Mmss::PutRecords(out, "records", data.records);
 }
 
 std::vector<std::string> LafDocument::Info() const {
@@ -74,9 +59,14 @@ void LafDocument::Save(CRLFile& file) const {
     data.Write(sink);
 }
 
-// The LTE available file has no save message of its own; the general one fits.
-unsigned LafDocument::SaveFailedMessage() const {
-    return Msg::ErrorWritingFile;
+std::unique_ptr<CRLItem> LafDocument::NewRecord() const {
+    return std::make_unique<LafRecord>();
+}
+
+std::string LafDocument::RefuseEntry(int column, const std::string& text) const {
+    unsigned message = 0, hint = 0;
+    if (LafRecord::CheckEntry(column, text, message, hint)) return {};
+    return FormatMessage(message) + "\n" + FormatMessage(hint);
 }
 
 }  // namespace Tarn::LAF

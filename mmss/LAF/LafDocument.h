@@ -16,22 +16,26 @@ class LafDocument : public Mmss::Document {
 public:
     LafFileData data;
 
-    static std::unique_ptr<LafDocument> FromBytes(const std::vector<uint8_t>& bytes);
-    static std::unique_ptr<LafDocument> FromJsonValue(const nlohmann::json& json);
+    LafDocument() : Document(FileKind::Laf) {}
 
-    FileKind Kind() const override { return FileKind::Laf; }
-    std::string KindName() const override { return "LAF"; }
+    void ReadBytes(const std::vector<uint8_t>& bytes, const std::string& path) override;
+    void ReadJson(const nlohmann::json& json, const std::string& path) override;
     // The file's own text: the view shows exactly the lines a save writes.
     std::string RenderText() const override;
     void ToJson(nlohmann::json& out) const override;
-    std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
+
+    const CRLItemList& TabRecords(size_t) const override { return data.records; }
+    using Mmss::Document::TabRecords;
+    CRLItemList& AddTab(const std::vector<std::string>&) override { return data.records; }
+    std::unique_ptr<CRLItem> NewRecord() const override;
+    // SID, NID, BID: 0-65535; CNT: 0-255. The refusal names the field, then the hint.
+    std::string RefuseEntry(int column, const std::string& text) const override;
 
 protected:
     // The bytes the reader skipped around the text: a save does not write them back.
     std::vector<std::string> LoadNotices() const override;
     void Save(CRLFile& file) const override;
-    unsigned SaveFailedMessage() const override;
 };
 
 }  // namespace Tarn::LAF

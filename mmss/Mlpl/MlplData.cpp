@@ -32,34 +32,15 @@ void WriteDigits(CRLFile& file, long long value, bool lastIsFiller) {
 
 }  // namespace
 
-uint32_t Header::Read(CRLFile& file) {
-    file.Seek(2);
-    file.SetBitOffset(0);
-    revision = Mmss::Decimal(Mmss::Take(file, 8, "CUR_MMSS_P_REV"));
-    version = Mmss::Decimal(Mmss::Take(file, 16, "MLPL_VERS_ID"));
-    id = Mmss::Decimal(Mmss::Take(file, 8, "MLPL_ID"));
-    return 32;
-}
-
-uint32_t Header::Write(CRLFile& file) const {
-    file.Seek(2);
-    file.SetBitOffset(0);
-    file.WriteBits(8, static_cast<uint32_t>(Mmss::ParseDecimal(revision)) & 0xFFu);
-    file.WriteBits(16, static_cast<uint32_t>(Mmss::ParseDecimal(version)) & 0xFFFFu);
-    file.WriteBits(8, static_cast<uint32_t>(Mmss::ParseDecimal(id)) & 0xFFu);
-    return 32;
-}
-
-std::vector<std::string> Header::Check() const {
-    std::vector<std::string> problems;
-    Mmss::CheckHeaderValue(revision, 255, "Mmss Revision Value is Missing",
-                           "Invalid Mmss Revision Value. Range is 0 - 255", problems);
-    Mmss::CheckHeaderValue(version, 65535, "Mlpl Version Value is Missing",
-                           "Invalid Mlpl Version Value. Range is 0 - 65535", problems);
-    Mmss::CheckHeaderValue(id, 255, "Mlpl Id Value is Missing",
-                           "Invalid Mlpl Id Value. Range is 0 - 255", problems);
-    return problems;
-}
+const std::array<Mmss::HeaderField<Header>, 3> Header::kFields = {{
+    {"revision", &Header::revision, 8, "CUR_MMSS_P_REV", "mmssRevision",
+     "RLType (Mmss Revision) :", "revision", "Mmss Revision Value is Missing",
+     "Invalid Mmss Revision Value. Range is 0 - 255"},
+    {"version", &Header::version, 16, "MLPL_VERS_ID", "mlplVersion", "Mlpl Version :", "version",
+     "Mlpl Version Value is Missing", "Invalid Mlpl Version Value. Range is 0 - 65535"},
+    {"id", &Header::id, 8, "MLPL_ID", "mlplId", "Mlpl Id :", "mlpl id", "Mlpl Id Value is Missing",
+     "Invalid Mlpl Id Value. Range is 0 - 255"},
+}};
 
 bool Location::WritesTags() const {
     if (tags.GetSize() > 1) return true;

@@ -12,20 +12,20 @@
 #include <string>
 #include <vector>
 
+#include "mmss/MmssDocument.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLItem.h"
 
 namespace Tarn::Mlpl {
 
-struct Header {
+// At byte 2: revision (8), version (16), identifier (8).
+struct Header : Mmss::FormHeader<Header> {
     std::string revision;  // CUR_MMSS_P_REV
     std::string version;   // MLPL_VERS_ID
     std::string id;        // MLPL_ID
 
-    // At byte 2: revision (8), version (16), identifier (8); both report 32 bits.
-    uint32_t Read(CRLFile& file);
-    uint32_t Write(CRLFile& file) const;
-    std::vector<std::string> Check() const;
+    static constexpr size_t kOffset = 2;
+    static const std::array<Mmss::HeaderField<Header>, 3> kFields;
 };
 
 // One MLPL record (one tab).

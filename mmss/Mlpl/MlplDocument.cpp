@@ -4,9 +4,7 @@
 #include <nlohmann/json.hpp>
 
 // Tarn
-#include "foundation/MessageTable.h"
 #include "mmss/Mlpl/MlplRecord.h"
-#include "mmss/Mlpl/MlplTextManager.h"
 #include "mmss/MmssFrame.h"
 
 namespace Tarn::Mlpl {
@@ -14,17 +12,10 @@ namespace {
 constexpr DataError kError = DataError::InvalidSystem;
 }
 
-std::unique_ptr<Document> Document::FromBytes(const std::vector<uint8_t>& bytes) {
-    return Mmss::ReadHeaderAndBody<Document>(bytes);
-}
-
-std::unique_ptr<Document> Document::FromJsonValue(const nlohmann::json& json) {
-    auto doc = std::make_unique<Document>();
-    doc->header.revision = Mmss::GetFormValue(json, "mmssRevision", kError);
-    doc->header.version = Mmss::GetFormValue(json, "mlplVersion", kError);
-    doc->header.id = Mmss::GetFormValue(json, "mlplId", kError);
+void Document::ReadJson(const nlohmann::json& json, const std::string&) {
+    header.FromJson(json, kError);
     for (const auto& in : Mmss::JsonArray(json, "records", kError)) {
-        Location& location = doc->data.records.emplace_back();
+        Location& location = data.records.emplace_back();
         location.mcc = Mmss::JsonTextOr(in, "mcc", {}, kError);
         location.mnc = Mmss::JsonTextOr(in, "mnc", {}, kError);
         location.msplIndex = Mmss::GetFormValue(in, "msplIndex", kError);
@@ -36,60 +27,58 @@ std::unique_ptr<Document> Document::FromJsonValue(const nlohmann::json& json) {
             }
         }
     }
-    return doc;
-}
-
-std::string Document::RenderText() const {
-    std::string text;
-    TextManager::Render(header, data, text);
-    return text;
 }
 
 void Document::ToJson(nlohmann::json& out) const {
     out = nlohmann::json::object();
     out["fileType"] = KindName();
-    Mmss::PutFormValue(out, "mmssRevision", header.revision);
-    Mmss::PutFormValue(out, "mlplVersion", header.version);
-    Mmss::PutFormValue(out, "mlplId", header.id);
+    header.ToJson(out);
     auto records = nlohmann::json::array();
     for (size_t i = 0; i < data.records.size(); ++i) {
         const Location& location = data.records[i];
         nlohmann::json rec = {{"index", i}, {"mcc", location.mcc}, {"mnc", location.mnc}};
         Mmss::PutFormValue(rec, "msplIndex", location.msplIndex);
-        auto tags = nlohmann::json::array();
-        for (size_t t = 0; t < location.tags.GetSize(); ++t) {
-            nlohmann::json tag = {{"index", t}};
-            location.tags.GetAt(t)->ToJson(tag);
-            tags.push_back(std::move(tag));
-        }
-        rec["tags"] = std::move(tags);
+        Mmss::PutRecords(rec, "tags", location.tags);
         records.push_back(std::move(rec));
     }
     out["records"] = std::move(records);
 }
 
-std::vector<CheckProblem> Document::Check() const {
+std::vector<std::string> Document::KindProblems() const {
     std::vector<std::string> problems = header.Check();
     if (std::string bad = data.CheckTabs(); !bad.empty()) problems.push_back(bad);
-    if (data.records.empty()) problems.push_back(FormatMessage(Msg::NeedOneMlplRecord));
-    return Problems(problems);
+    return problems;
 }
 
 std::vector<std::string> Document::Info() const {
     size_t tags = 0;
-    for (const auto& r : data.records) tags += r.tags.GetSize();
+    for (const auto& location : data.records) tags += location.tags.GetSize();
     return {"MMSS revision: " + header.revision, "MLPL version: " + header.version,
             "MLPL id: " + header.id, "Records: " + std::to_string(data.records.size()),
             "Location tags: " + std::to_string(tags)};
 }
 
-std::vector<std::string> Document::LoadNotices() const {
-    if (data.records.empty()) return {FormatMessage(Msg::NoMlplRecordsInFile)};
-    return {};
+std::vector<Mmss::FormField> Document::TabForm() const {
+    return {{"mcc", "Mcc :", 3, {"mcc"}, ""},
+            {"mnc", "Mnc :", 3, {"mnc"}, ""},
+            {"msplIndex", "Mspl Index :", 3, {"msplindex"}, "0"}};
 }
 
-unsigned Document::SaveFailedMessage() const {
-    return Msg::ErrorSavingMlpl;
+std::vector<std::string> Document::TabValues(size_t tab) const {
+    const Location& location = data.records.at(tab);
+    return {location.mcc, location.mnc, location.msplIndex};
+}
+
+CRLItemList& Document::AddTab(const std::vector<std::string>& values) {
+    Location& location = data.records.emplace_back();
+    location.mcc = values.size() > 0 ? values[0] : std::string();
+    location.mnc = values.size() > 1 ? values[1] : std::string();
+    location.msplIndex = values.size() > 2 ? values[2] : std::string();
+    return location.tags;
+}
+
+std::unique_ptr<CRLItem> Document::NewRecord() const {
+    return std::make_unique<Record>();
 }
 
 }  // namespace Tarn::Mlpl

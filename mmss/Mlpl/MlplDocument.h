@@ -1,4 +1,5 @@
-// Mlpl::Document: an MLPL file held without any user interface.
+// Mlpl::Document: an MLPL file held without any user interface. Its tabs are the location
+// records (MCC, MNC, MSPL index), each with its location tags.
 //
 // JSON: {"fileType": "MLPL", "mmssRevision": 1, "mlplVersion": 3, "mlplId": 9,
 //        "records": [{"index": 0, "mcc": "310", "mnc": "FFF", "msplIndex": 1,
@@ -14,29 +15,31 @@
 #include <vector>
 
 #include "mmss/Mlpl/MlplData.h"
+#include "mmss/Mlpl/MlplTextManager.h"
 #include "mmss/MmssDocument.h"
 
 namespace Tarn::Mlpl {
 
-class Document : public Mmss::Document {
+class Document : public Mmss::FormDocument<Header, Data, TextManager> {
 public:
-    Header header;
-    Data data;
+    Document() : FormDocument(FileKind::Mlpl) {}
 
-    static std::unique_ptr<Document> FromBytes(const std::vector<uint8_t>& bytes);
-    static std::unique_ptr<Document> FromJsonValue(const nlohmann::json& json);
-
-    FileKind Kind() const override { return FileKind::Mlpl; }
-    std::string KindName() const override { return "MLPL"; }
-    std::string RenderText() const override;
+    void ReadJson(const nlohmann::json& json, const std::string& path) override;
     void ToJson(nlohmann::json& out) const override;
-    std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
 
+    std::vector<Mmss::FormField> TabForm() const override;
+    size_t TabCount() const override { return data.records.size(); }
+    std::vector<std::string> TabValues(size_t tab) const override;
+    const CRLItemList& TabRecords(size_t tab) const override { return data.records.at(tab).tags; }
+    using Mmss::Document::TabRecords;
+    CRLItemList& AddTab(const std::vector<std::string>& values) override;
+    std::unique_ptr<CRLItem> NewRecord() const override;
+    // An MLPL needs a location record; one without tags is whole.
+    size_t RecordCount() const override { return data.records.size(); }
+
 protected:
-    std::vector<std::string> LoadNotices() const override;
-    void Save(CRLFile& file) const override { SaveFile(file, header, data); }
-    unsigned SaveFailedMessage() const override;
+    std::vector<std::string> KindProblems() const override;
 };
 
 }  // namespace Tarn::Mlpl

@@ -5,30 +5,13 @@
 
 namespace Tarn::Mspl {
 
-uint32_t Header::Read(CRLFile& file) {
-    file.Seek(2);
-    file.SetBitOffset(0);
-    revision = Mmss::Decimal(Mmss::Take(file, 8, "CUR_MMSS_P_REV"));
-    version = Mmss::Decimal(Mmss::Take(file, 16, "MSPL_VERS_ID"));
-    return 24;
-}
-
-uint32_t Header::Write(CRLFile& file) const {
-    file.Seek(2);
-    file.SetBitOffset(0);
-    file.WriteBits(8, static_cast<uint32_t>(Mmss::ParseDecimal(revision)) & 0xFFu);
-    file.WriteBits(16, static_cast<uint32_t>(Mmss::ParseDecimal(version)) & 0xFFFFu);
-    return 24;
-}
-
-std::vector<std::string> Header::Check() const {
-    std::vector<std::string> problems;
-    Mmss::CheckHeaderValue(revision, 255, "Mmss Revision Value is Missing",
-                           "Invalid Mmss Revision Value. Range is 0 - 255", problems);
-    Mmss::CheckHeaderValue(version, 65535, "Mspl Version Value is missing",
-                           "Invalid Mspl Version Value.Range is 0 - 65535", problems);
-    return problems;
-}
+const std::array<Mmss::HeaderField<Header>, 2> Header::kFields = {{
+    {"revision", &Header::revision, 8, "CUR_MMSS_P_REV", "mmssRevision",
+     "RLType (Mmss Revision) :", "revision", "Mmss Revision Value is Missing",
+     "Invalid Mmss Revision Value. Range is 0 - 255"},
+    {"version", &Header::version, 16, "MSPL_VERS_ID", "msplVersion", "Mspl Version :", "version",
+     "Mspl Version Value is missing", "Invalid Mspl Version Value.Range is 0 - 65535"},
+}};
 
 CRLItemList& Data::AddId(const std::string& id) {
     ids.push_back(id);
@@ -77,17 +60,13 @@ uint32_t Data::Write(CRLFile& file) const {
     return static_cast<uint32_t>(bits);
 }
 
-namespace {
-
-std::string CheckId(const std::string& id, size_t tab) {
+std::string Data::CheckId(const std::string& id, size_t tab) {
     if (id.empty()) return "No Mspl Id entered in Tab " + std::to_string(tab);
     // Signed on purpose: "-1" or "abc" pass and are written as their low eight bits.
     if (Mmss::ParseDecimal(id) > 255)
         return "Invalid Mspl Id value in Tab " + std::to_string(tab) + "The range is 0 - 255";
     return {};
 }
-
-}  // namespace
 
 std::string Data::CheckIds(const std::vector<std::string>& tabIds) {
     for (size_t i = 0; i < tabIds.size(); ++i) {

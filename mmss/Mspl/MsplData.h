@@ -10,20 +10,19 @@
 #include <string>
 #include <vector>
 
+#include "mmss/MmssDocument.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLItem.h"
 
 namespace Tarn::Mspl {
 
-struct Header {
+// At byte 2: revision (8) and version (16).
+struct Header : Mmss::FormHeader<Header> {
     std::string revision;  // CUR_MMSS_P_REV, shown as "RLType"
     std::string version;   // MSPL_VERS_ID
 
-    // At byte 2: revision (8) and version (16); both report 24 bits.
-    uint32_t Read(CRLFile& file);
-    uint32_t Write(CRLFile& file) const;
-    // "Mmss Revision Value is Missing", "Invalid Mspl Version Value.Range is 0 - 65535", ...
-    std::vector<std::string> Check() const;
+    static constexpr size_t kOffset = 2;
+    static const std::array<Mmss::HeaderField<Header>, 2> kFields;
 };
 
 class Data {
@@ -48,6 +47,8 @@ public:
     bool TakeIdsFromTabs(const std::vector<std::string>& tabIds, std::string& message);
     // The message of the first bad identifier, or empty.
     static std::string CheckIds(const std::vector<std::string>& tabIds);
+    // The message of a bad identifier on tab `tab` (from 1), or empty.
+    static std::string CheckId(const std::string& id, size_t tab);
 };
 
 // Header writer + body writer + size word, as a save does.

@@ -1,4 +1,5 @@
-// Mspl::Document: an MSPL file held without any user interface.
+// Mspl::Document: an MSPL file held without any user interface. Its tabs are the MSPL
+// identifiers, each with its priority table.
 //
 // JSON: {"fileType": "MSPL", "mmssRevision": 1, "msplVersion": 7,
 //        "msplIds": [{"msplId": 5, "records": [{"index": 0, "sysType": 7, "sysTypeName": ...}]}]}
@@ -12,30 +13,31 @@
 
 #include "mmss/MmssDocument.h"
 #include "mmss/Mspl/MsplData.h"
+#include "mmss/Mspl/MsplTextManager.h"
 
 namespace Tarn::Mspl {
 
-class Document : public Mmss::Document {
+class Document : public Mmss::FormDocument<Header, Data, TextManager> {
 public:
-    Header header;
-    Data data;
+    Document() : FormDocument(FileKind::Mspl) {}
 
-    // Both throw with one clear message on input that is not an MSPL file.
-    static std::unique_ptr<Document> FromBytes(const std::vector<uint8_t>& bytes);
-    static std::unique_ptr<Document> FromJsonValue(const nlohmann::json& json);
-
-    FileKind Kind() const override { return FileKind::Mspl; }
-    std::string KindName() const override { return "MSPL"; }
-    std::string RenderText() const override;
+    void ReadJson(const nlohmann::json& json, const std::string& path) override;
     void ToJson(nlohmann::json& out) const override;
-    // Header, then the identifiers tab by tab, then "needs at least one Mspl record".
-    std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
 
+    std::vector<Mmss::FormField> TabForm() const override;
+    size_t TabCount() const override { return data.lists.size(); }
+    std::vector<std::string> TabValues(size_t tab) const override;
+    const CRLItemList& TabRecords(size_t tab) const override { return data.lists.at(tab); }
+    using Mmss::Document::TabRecords;
+    CRLItemList& AddTab(const std::vector<std::string>& values) override;
+    // The next identifier after the highest one in use, so a new tab does not repeat one.
+    std::vector<std::string> NewTabValues(
+        const std::vector<std::vector<std::string>>& tabs) const override;
+    std::unique_ptr<CRLItem> NewRecord() const override;
+
 protected:
-    std::vector<std::string> LoadNotices() const override;
-    void Save(CRLFile& file) const override { SaveFile(file, header, data); }
-    unsigned SaveFailedMessage() const override;
+    std::vector<std::string> KindProblems() const override;
 };
 
 }  // namespace Tarn::Mspl

@@ -14,20 +14,14 @@ namespace {
 constexpr DataError kError = DataError::InvalidPlmnType;
 }
 
-std::unique_ptr<Document> Document::FromBytes(const std::vector<uint8_t>& bytes,
-                                              const std::string& path) {
-    auto doc = std::make_unique<Document>();
-    doc->data.listKind = static_cast<uint8_t>(Mmss::PlmnListKindFromPath(path));
+void Document::ReadBytes(const std::vector<uint8_t>& bytes, const std::string& path) {
+    data.listKind = static_cast<uint8_t>(Mmss::PlmnListKindFromPath(path));
     CRLFile file(bytes);
-    doc->data.Read(file);
-    if (doc->data.records.IsEmpty())
-        throw Mmss::FormatError(FormatMessage(Msg::NoPlmnRecordsInFile));
-    return doc;
+    data.Read(file);
+    if (data.records.IsEmpty()) throw Mmss::FormatError(FormatMessage(Msg::NoPlmnRecordsInFile));
 }
 
-std::unique_ptr<Document> Document::FromJsonValue(const nlohmann::json& json,
-                                                  const std::string& path) {
-    auto doc = std::make_unique<Document>();
+void Document::ReadJson(const nlohmann::json& json, const std::string& path) {
     int kind = Mmss::PlmnListKindFromPath(path);
     if (kind == 0) {
         const std::string name = Mmss::JsonTextOr(json, "fileType", {}, kError);
@@ -36,10 +30,8 @@ std::unique_ptr<Document> Document::FromJsonValue(const nlohmann::json& json,
                 "The PLMN list kind is not set: give \"fileType\" (EHPLMN, OPLMN or UPLMN) or a "
                 "path holding .ehplmn, .oplmn or .uplmn.");
     }
-    doc->data.listKind = static_cast<uint8_t>(kind);
-    for (const auto& in : Mmss::JsonArray(json, "records", kError))
-        doc->data.AddRecord().FromJson(in);
-    return doc;
+    data.listKind = static_cast<uint8_t>(kind);
+    for (const auto& in : Mmss::JsonArray(json, "records", kError)) data.AddRecord().FromJson(in);
 }
 
 std::string Document::RenderText() const {
@@ -51,24 +43,17 @@ std::string Document::RenderText() const {
 void Document::ToJson(nlohmann::json& out) const {
     out = nlohmann::json::object();
     out["fileType"] = KindName();
-    auto records = nlohmann::json::array();
-    for (size_t i = 0; i < data.records.GetSize(); ++i) {
-        nlohmann::json rec = {{"index", i}};
-        data.records.GetAt(i)->ToJson(rec);
-        records.push_back(std::move(rec));
-    }
-    out["records"] = std::move(records);
+    Mmss::PutRecords(out, "records", data.records);
 }
 
-std::vector<CheckProblem> Document::Check() const {
+std::vector<std::string> Document::KindProblems() const {
     std::vector<std::string> problems;
-    if (data.records.IsEmpty()) problems.push_back(FormatMessage(Msg::NeedOnePlmnRecord));
     if (data.FileBytes() > Mmss::kMaxSizeWordBytes)
         problems.push_back("The list holds " + std::to_string(data.records.GetSize()) +
                            " records, " + Mmss::GroupedNumber(data.FileBytes()) +
                            " bytes; a PLMN list file holds at most " +
                            Mmss::GroupedNumber(Mmss::kMaxSizeWordBytes) + ".");
-    return Problems(problems);
+    return problems;
 }
 
 std::vector<std::string> Document::Info() const {
@@ -76,8 +61,7 @@ std::vector<std::string> Document::Info() const {
 }
 
 std::vector<std::string> Document::LoadNotices() const {
-    std::vector<std::string> notices;
-    if (data.records.IsEmpty()) notices.push_back(FormatMessage(Msg::NoPlmnRecordsInFile));
+    std::vector<std::string> notices = Mmss::Document::LoadNotices();
     if (data.ignoredBytes > 0)
         notices.push_back(
             "The last " + std::to_string(data.ignoredBytes) +
@@ -87,8 +71,14 @@ std::vector<std::string> Document::LoadNotices() const {
     return notices;
 }
 
-unsigned Document::SaveFailedMessage() const {
-    return Msg::ErrorSavingPlmn;
+std::unique_ptr<Mmss::Document> Document::Empty() const {
+    auto doc = std::make_unique<Document>();
+    doc->data.listKind = data.listKind;
+    return doc;
+}
+
+std::unique_ptr<CRLItem> Document::NewRecord() const {
+    return std::make_unique<Record>(data.listKind);
 }
 
 }  // namespace Tarn::Plmn

@@ -23,22 +23,30 @@ class Document : public Mmss::Document {
 public:
     Data data;
 
-    static std::unique_ptr<Document> FromBytes(const std::vector<uint8_t>& bytes,
-                                               const std::string& path);
-    static std::unique_ptr<Document> FromJsonValue(const nlohmann::json& json,
-                                                   const std::string& path);
+    Document() : Mmss::Document(FileKind::Plmn) {}
 
-    FileKind Kind() const override { return FileKind::Plmn; }
+    void ReadBytes(const std::vector<uint8_t>& bytes, const std::string& path) override;
+    void ReadJson(const nlohmann::json& json, const std::string& path) override;
     std::string KindName() const override { return data.KindName(); }
+    std::unique_ptr<Mmss::Document> Empty() const override;
     std::string RenderText() const override;
     void ToJson(nlohmann::json& out) const override;
-    std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
 
+    // The list kind names the form: "OPLMN", "OPLMN Records"; EHPLMN records have no access
+    // columns.
+    std::string Title() const override { return KindName(); }
+    std::string GridTitle() const override { return data.GridTitle(); }
+    int GridColumns() const override { return HasAccessBytes(data.listKind) ? 5 : 2; }
+    const CRLItemList& TabRecords(size_t) const override { return data.records; }
+    using Mmss::Document::TabRecords;
+    CRLItemList& AddTab(const std::vector<std::string>&) override { return data.records; }
+    std::unique_ptr<CRLItem> NewRecord() const override;
+
 protected:
+    std::vector<std::string> KindProblems() const override;
     std::vector<std::string> LoadNotices() const override;
     void Save(CRLFile& file) const override { data.Write(file); }
-    unsigned SaveFailedMessage() const override;
 };
 
 }  // namespace Tarn::Plmn

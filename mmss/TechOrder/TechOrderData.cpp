@@ -10,26 +10,10 @@
 
 namespace Tarn::TechOrder {
 
-uint32_t Header::Read(CRLFile& file) {
-    file.Seek(0);
-    file.SetBitOffset(0);
-    version = Mmss::Decimal(Mmss::Take(file, 16, "technology order version"));
-    return 16;
-}
-
-uint32_t Header::Write(CRLFile& file) const {
-    file.Seek(0);
-    file.SetBitOffset(0);
-    file.WriteBits(16, static_cast<uint32_t>(Mmss::ParseDecimal(version)) & 0xFFFFu);
-    return 16;
-}
-
-std::vector<std::string> Header::Check() const {
-    std::vector<std::string> problems;
-    Mmss::CheckHeaderValue(version, 65535, "Version Value is missing",
-                           "Invalid Version Value.Range is 0 - 65535", problems);
-    return problems;
-}
+const std::array<Mmss::HeaderField<Header>, 1> Header::kFields = {{
+    {"version", &Header::version, 16, "technology order version", "version", "Version :",
+     "version", "Version Value is missing", "Invalid Version Value.Range is 0 - 65535"},
+}};
 
 void Data::AddRecord() {
     records.Add(std::make_unique<Record>());

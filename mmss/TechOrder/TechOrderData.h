@@ -9,18 +9,18 @@
 #include <string>
 #include <vector>
 
+#include "mmss/MmssDocument.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLItem.h"
 
 namespace Tarn::TechOrder {
 
-struct Header {
+// At byte 0: the 16-bit version.
+struct Header : Mmss::FormHeader<Header> {
     std::string version;
 
-    // At byte 0: the 16-bit version; both report 16 bits.
-    uint32_t Read(CRLFile& file);
-    uint32_t Write(CRLFile& file) const;
-    std::vector<std::string> Check() const;
+    static constexpr size_t kOffset = 0;
+    static const std::array<Mmss::HeaderField<Header>, 1> kFields;
 };
 
 class Data {

@@ -11,28 +11,25 @@
 
 #include "mmss/MmssDocument.h"
 #include "mmss/TechOrder/TechOrderData.h"
+#include "mmss/TechOrder/TechOrderTextManager.h"
 
 namespace Tarn::TechOrder {
 
-class Document : public Mmss::Document {
+class Document : public Mmss::FormDocument<Header, Data, TextManager> {
 public:
-    Header header;
-    Data data;
+    Document() : FormDocument(FileKind::TechOrder) {}
 
-    static std::unique_ptr<Document> FromBytes(const std::vector<uint8_t>& bytes);
-    static std::unique_ptr<Document> FromJsonValue(const nlohmann::json& json);
-
-    FileKind Kind() const override { return FileKind::TechOrder; }
-    std::string KindName() const override { return "TOT"; }
-    std::string RenderText() const override;
+    void ReadJson(const nlohmann::json& json, const std::string& path) override;
     void ToJson(nlohmann::json& out) const override;
-    std::vector<CheckProblem> Check() const override;
     std::vector<std::string> Info() const override;
 
+    const CRLItemList& TabRecords(size_t) const override { return data.records; }
+    using Mmss::Document::TabRecords;
+    CRLItemList& AddTab(const std::vector<std::string>&) override { return data.records; }
+    std::unique_ptr<CRLItem> NewRecord() const override;
+
 protected:
-    std::vector<std::string> LoadNotices() const override;
-    void Save(CRLFile& file) const override { SaveFile(file, header, data); }
-    unsigned SaveFailedMessage() const override;
+    std::vector<std::string> KindProblems() const override;
 };
 
 }  // namespace Tarn::TechOrder

@@ -160,7 +160,7 @@ TEST(CliLint, JsonOneObjectOrOneLinePerFile) {
 TEST(CliLint, MlplAgainstItsMsplAndConcatenatedParts) {
     TempDir dir;
     Mspl::Document mspl;
-    mspl.header = {"1", "7"};
+    mspl.header.SetValues({"1", "7"});
     for (const char* id : {"1", "2"}) mspl.data.AddId(id).Add(std::make_unique<Mspl::Record>());
     std::vector<uint8_t> bytes;
     std::string error;
@@ -168,7 +168,7 @@ TEST(CliLint, MlplAgainstItsMsplAndConcatenatedParts) {
     WriteBytes(dir / "list.mspl", bytes);
 
     Mlpl::Document mlpl;
-    mlpl.header = {"1", "3", "9"};
+    mlpl.header.SetValues({"1", "3", "9"});
     for (const char* index : {"2", "5"}) {
         Mlpl::Location l;
         l.mcc = "310";

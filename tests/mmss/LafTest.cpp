@@ -45,13 +45,13 @@ TEST(Laf, EmptyLinesAreSkippedWhateverTheLineEnds) {
          {"SID=1,NID=2,BID=3,CNT=4\r\nSID=5,NID=6,BID=7,CNT=8\r\n",
           "SID=1,NID=2,BID=3,CNT=4\nSID=5,NID=6,BID=7,CNT=8",
           "\r\n\r\nSID=1,NID=2,BID=3,CNT=4\r\r  \r\nSID=5,NID=6,BID=7,CNT=8\n\n"}) {
-        auto doc = LAF::LafDocument::FromBytes(Bytes(text));
+        auto doc = Mmss::FromBytes<LAF::LafDocument>(Bytes(text));
         EXPECT_EQ(doc->RenderText(), "SID=1,NID=2,BID=3,CNT=4\r\nSID=5,NID=6,BID=7,CNT=8\r\n");
     }
-    auto bad = LAF::LafDocument::FromBytes(Bytes("garbage\r\n"));
+    auto bad = Mmss::FromBytes<LAF::LafDocument>(Bytes("garbage\r\n"));
     EXPECT_EQ(bad->RenderText(), "SID=0,NID=0,BID=0,CNT=0\r\n");
 
-    auto empty = LAF::LafDocument::FromBytes({});
+    auto empty = Mmss::FromBytes<LAF::LafDocument>({});
     std::vector<uint8_t> out;
     std::string error;
     EXPECT_FALSE(empty->Write(out, error));
@@ -93,7 +93,7 @@ TEST(Laf, ByteOrderMarkAndEndOfFileBytesOpenWithANoticeOtherBytesAreRefused) {
         SCOPED_TRACE(c.what);
         std::unique_ptr<LAF::LafDocument> doc;
         try {
-            doc = LAF::LafDocument::FromBytes(Bytes(c.bytes));
+            doc = Mmss::FromBytes<LAF::LafDocument>(Bytes(c.bytes));
         } catch (const std::exception& e) {
             EXPECT_EQ(e.what(), c.refusal);
             continue;

@@ -234,7 +234,7 @@ TEST(Mlpl, TabChecksUseTheTabNumberAndTheirBounds) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.message);
         Mlpl::Document doc;
-        doc.header = {"1", "1", "1"};
+        doc.header.SetValues({"1", "1", "1"});
         doc.data.records.resize(2);
         doc.data.records[0].msplIndex = "0";
         doc.data.records[1].mcc = c.mcc;

@@ -56,7 +56,7 @@ TEST(Mspl, RecordIs23BitsWithNetworkCapAnd17Without) {
 
 TEST(Mspl, TwoIdsWithOneNotPresentRecordEachMakeA15ByteFile) {
     Mspl::Document doc;
-    doc.header = {"1", "2"};
+    doc.header.SetValues({"1", "2"});
     doc.data.AddId("10").Add(MakeRecord(1, 1));
     doc.data.AddId("11").Add(MakeRecord(2, 1));
     CRLFile file;
@@ -73,7 +73,7 @@ TEST(Mspl, UnnamedNetworkCapShowsInvalidAndIsSavedWithoutIt) {
     // One id with one record: SYS_TYPE 0, then IND 1 and NETWORK_CAP 3.
     const auto bytes = Hex("00 0B 01 00 01 01 04 01 00 00 86");
     std::string error;
-    auto doc = Mspl::Document::FromBytes(bytes);
+    auto doc = Mmss::FromBytes<Mspl::Document>(bytes);
     const auto& record = static_cast<const Mspl::Record&>(*doc->data.lists[0].GetAt(0));
     EXPECT_EQ(record.networkCap, 3);
 
@@ -135,7 +135,7 @@ TEST(Mspl, TextFieldsParseBackToTheRecord) {
 
 TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
     struct Case {
-        Mspl::Header header;
+        std::vector<std::string> header;
         std::vector<std::string> ids;
         std::vector<std::string> messages;
     };
@@ -152,7 +152,7 @@ TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
     };
     for (const auto& c : cases) {
         Mspl::Document doc;
-        doc.header = c.header;
+        doc.header.SetValues(c.header);
         for (const auto& id : c.ids) doc.data.AddId(id).Add(MakeRecord(0, 1));
         std::vector<std::string> messages;
         for (const auto& p : doc.Check()) messages.push_back(p.message);
@@ -166,7 +166,7 @@ TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
     EXPECT_EQ(data.ids, std::vector<std::string>{"7"}) << "earlier tabs are already taken";
 
     Mspl::Document empty;
-    empty.header = {"1", "1"};
+    empty.header.SetValues({"1", "1"});
     empty.data.AddId("3");
     ASSERT_EQ(empty.Check().size(), 1u);
     EXPECT_EQ(empty.Check()[0].message, "A valid Roaming List needs at least one Mspl record.");
@@ -175,7 +175,7 @@ TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
 
 TEST(Mspl, NegativeIdIsWrittenAsItsLowBits) {
     Mspl::Document doc;
-    doc.header = {"1", "1"};
+    doc.header.SetValues({"1", "1"});
     doc.data.AddId("-1").Add(MakeRecord(0, 1));
     std::vector<uint8_t> bytes;
     std::string error;

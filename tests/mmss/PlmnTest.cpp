@@ -30,7 +30,7 @@ TEST(Plmn, CodesAndTheirBytes) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bytes);
-        auto doc = Plmn::Document::FromBytes(Hex(c.bytes), "x.ehplmn");
+        auto doc = Mmss::FromBytes<Plmn::Document>(Hex(c.bytes), "x.ehplmn");
         ASSERT_EQ(doc->data.records.GetSize(), 1u);
         EXPECT_EQ(At(*doc, 0).MccText(), c.mcc);
         EXPECT_EQ(At(*doc, 0).MncText(), c.mnc);
@@ -47,7 +47,7 @@ TEST(Plmn, CodesAndTheirBytes) {
 }
 
 TEST(Plmn, AllFFillerShowsAndWritesItsOneWayForm) {
-    auto doc = Plmn::Document::FromBytes(Hex("FF FF FF"), "x.ehplmn");
+    auto doc = Mmss::FromBytes<Plmn::Document>(Hex("FF FF FF"), "x.ehplmn");
     EXPECT_EQ(At(*doc, 0).MccText(), "151515");
     EXPECT_EQ(At(*doc, 0).MncText(), "FFF");
     EXPECT_EQ(At(*doc, 0).mccValue, 1665);
@@ -58,26 +58,26 @@ TEST(Plmn, AllFFillerShowsAndWritesItsOneWayForm) {
 
 TEST(Plmn, RecordCountComesFromTheLengthAndTheKind) {
     const auto seven = Hex("13 F0 10 13 00 61 77");
-    EXPECT_EQ(Plmn::Document::FromBytes(seven, "a.ehplmn")->data.records.GetSize(), 2u);
-    EXPECT_EQ(Plmn::Document::FromBytes(seven, "a.uplmn")->data.records.GetSize(), 1u);
-    EXPECT_THROW(Plmn::Document::FromBytes(seven, "a.plmn"), std::exception) << "no kind";
-    EXPECT_THROW(Plmn::Document::FromBytes(Hex("13 F0 10 00"), "a.oplmn"), std::exception);
+    EXPECT_EQ(Mmss::FromBytes<Plmn::Document>(seven, "a.ehplmn")->data.records.GetSize(), 2u);
+    EXPECT_EQ(Mmss::FromBytes<Plmn::Document>(seven, "a.uplmn")->data.records.GetSize(), 1u);
+    EXPECT_THROW(Mmss::FromBytes<Plmn::Document>(seven, "a.plmn"), std::exception) << "no kind";
+    EXPECT_THROW(Mmss::FromBytes<Plmn::Document>(Hex("13 F0 10 00"), "a.oplmn"), std::exception);
 
     // Bytes short of a record are said, not silently dropped.
-    EXPECT_TRUE(Plmn::Document::FromBytes(Hex("13 F0 10"), "a.ehplmn")->Notices().empty());
-    EXPECT_EQ(Plmn::Document::FromBytes(seven, "a.ehplmn")->Notices(),
+    EXPECT_TRUE(Mmss::FromBytes<Plmn::Document>(Hex("13 F0 10"), "a.ehplmn")->Notices().empty());
+    EXPECT_EQ(Mmss::FromBytes<Plmn::Document>(seven, "a.ehplmn")->Notices(),
               std::vector<std::string>{"The last 1 byte does not make a whole record and was "
                                        "ignored; a save does not write it."});
-    EXPECT_EQ(Plmn::Document::FromBytes(seven, "a.uplmn")->Notices(),
+    EXPECT_EQ(Mmss::FromBytes<Plmn::Document>(seven, "a.uplmn")->Notices(),
               std::vector<std::string>{"The last 2 bytes do not make a whole record and were "
                                        "ignored; a save does not write them."});
 
     // The length is a 16-bit value: a longer file would wrap and lose its records.
     std::vector<uint8_t> whole(65535, 0x11);
-    EXPECT_EQ(Plmn::Document::FromBytes(whole, "a.ehplmn")->data.records.GetSize(), 21845u);
+    EXPECT_EQ(Mmss::FromBytes<Plmn::Document>(whole, "a.ehplmn")->data.records.GetSize(), 21845u);
     whole.resize(65538, 0x11);
     try {
-        Plmn::Document::FromBytes(whole, "a.ehplmn");
+        Mmss::FromBytes<Plmn::Document>(whole, "a.ehplmn");
         ADD_FAILURE() << "a file over 65,535 bytes opened";
     } catch (const std::exception& e) {
         EXPECT_STREQ(e.what(), "The file is 65,538 bytes; a PLMN list file holds at most 65,535.");
@@ -99,7 +99,7 @@ TEST(Plmn, AccessTechnologyBytes) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.access);
-        auto doc = Plmn::Document::FromBytes(Hex(std::string("13 F0 10 ") + c.access), "a.oplmn");
+        auto doc = Mmss::FromBytes<Plmn::Document>(Hex(std::string("13 F0 10 ") + c.access), "a.oplmn");
         const auto& r = At(*doc, 0);
         EXPECT_EQ(r.umts, c.umts);
         EXPECT_EQ(r.lte, c.lte);

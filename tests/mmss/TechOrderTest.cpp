@@ -17,7 +17,7 @@ std::vector<std::string> Names(const TechOrder::Document& doc) {
 }
 
 TEST(TechOrder, ReadsVersionAndEntries) {
-    auto doc = TechOrder::Document::FromBytes(Hex("00 05 00 02 09 05"));
+    auto doc = Mmss::FromBytes<TechOrder::Document>(Hex("00 05 00 02 09 05"));
     EXPECT_EQ(doc->header.version, "5");
     EXPECT_EQ(Names(*doc), (std::vector<std::string>{"EUTRAN\r\n", "UTRAN\r\n"}));
     EXPECT_TRUE(doc->LoadNotice().empty());
@@ -29,7 +29,7 @@ TEST(TechOrder, ReadsVersionAndEntries) {
     CRLFile out;
     EXPECT_EQ(data.Write(out), 32u);
 
-    auto empty = TechOrder::Document::FromBytes(Hex("00 05 00 00"));
+    auto empty = Mmss::FromBytes<TechOrder::Document>(Hex("00 05 00 00"));
     EXPECT_EQ(empty->header.version, "5");
     EXPECT_EQ(empty->LoadNotice(), "There are no Technology Order records in the file.");
     EXPECT_EQ(empty->Check().at(0).message,
@@ -39,7 +39,7 @@ TEST(TechOrder, ReadsVersionAndEntries) {
 }
 
 TEST(TechOrder, UnnamedEntryIsKeptThroughTextGridAndSave) {
-    auto doc = TechOrder::Document::FromBytes(Hex("00 01 00 02 07 0D"));
+    auto doc = Mmss::FromBytes<TechOrder::Document>(Hex("00 01 00 02 07 0D"));
     EXPECT_EQ(Names(*doc), (std::vector<std::string>{"Invalid\r\n", "LTE_NB1\r\n"}));
     MemoryGrid grid(TechOrder::Record::kTableName, 1, 2);
     for (int row = 0; row < 2; ++row) doc->data.records.GetAt(row)->WriteToGrid(grid, row);

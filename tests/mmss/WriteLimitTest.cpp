@@ -90,7 +90,7 @@ size_t LargestWritable(const std::function<std::unique_ptr<FileDocument>(size_t)
 
 std::unique_ptr<FileDocument> MlplWithTags(size_t tags) {
     auto doc = std::make_unique<Mlpl::Document>();
-    doc->header = {"1", "2", "3"};
+    doc->header.SetValues({"1", "2", "3"});
     for (size_t i = 0; i < tags; ++i) {
         if (i % 255 == 0) {
             doc->data.records.emplace_back();

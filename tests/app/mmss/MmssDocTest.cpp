@@ -430,7 +430,7 @@ TEST(MmssCommandLine, FailedCheckWritesNothingAndSaysWhy) {
 TEST(MmssCommandLine, JsonFormIsWrittenAsTheBinaryFile) {
     QTemporaryDir dir;
     const QByteArray bytes = FileBytes(kData + "sample.tot");
-    auto doc = TechOrder::Document::FromBytes({bytes.begin(), bytes.end()});
+    auto doc = Mmss::FromBytes<TechOrder::Document>({bytes.begin(), bytes.end()});
     nlohmann::json json;
     doc->ToJson(json);
     QFile f(dir.filePath("in.json"));
