@@ -90,8 +90,7 @@ TEST(Bst3Gpp, SaveChecks) {
     };
     const Case cases[] = {
         {"1", "1", "0", "310", 1, true, {}},
-        {"", "1", "0", "", 1, true, {"Bst3Gpp Version Value is missing"}},
-        {"65536", "1", "0", "", 1, true, {"Invalid Bst3Gpp Version Value.Range is 0 - 65535"}},
+        {"1", "1", "0", "999", 1, true, {}},
         {"1", "2", "0", "", 1, true, {"Invalid Bst Type. Only Type1 is supported"}},
         {"1", "1", "1", "", 1, true, {"Invalid Bst ExtensionIncl. Only 0 is supported"}},
         {"1", "1", "0", "1000", 1, true, {"Invalid Mcc value in Tab 2The range is 0 - 999"}},

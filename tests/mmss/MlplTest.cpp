@@ -218,6 +218,8 @@ TEST(Mlpl, TabChecksUseTheTabNumberAndTheirBounds) {
     const Case cases[] = {
         {"310", "26", "0", ""},
         {"", "FFF", "255", ""},
+        {"999", "999", "1", ""},
+        {"000", "00", "1", ""},
         {"1000", "", "1",
          "The value of MCC in Tab-2 is out of range.\nThe range for this input is 0 - 999"},
         {"31a", "", "1",
@@ -232,7 +234,7 @@ TEST(Mlpl, TabChecksUseTheTabNumberAndTheirBounds) {
          "MsplIndex field in Tab-2 is out of range or empty.\nThe range for this input is 0 - 255"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.message);
+        SCOPED_TRACE(std::string(c.mcc) + "/" + c.mnc + "/" + c.index);
         Mlpl::Document doc;
         doc.header.SetValues({"1", "1", "1"});
         doc.data.records.resize(2);
@@ -244,6 +246,7 @@ TEST(Mlpl, TabChecksUseTheTabNumberAndTheirBounds) {
         EXPECT_EQ(problems.empty() ? std::string() : problems[0].message, c.message);
     }
 
+    // Every problem is said, in the form's order, the missing record last.
     Mlpl::Document doc;
     std::vector<std::string> messages;
     for (const auto& p : doc.Check()) messages.push_back(p.message);

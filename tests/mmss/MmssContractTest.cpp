@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "mmss/MmssDocument.h"
@@ -103,26 +104,60 @@ TEST(MmssContract, EveryKindRoundTripsRendersAndRefusesDamage) {
     }
 }
 
-TEST(MmssContract, RegistryListsTheKindsInOrderWithTheirFilters) {
-    struct Expected {
+// Every header field of every kind at its edges: the smallest and the largest value save and read
+// back, one more is refused with the field's message, and an empty field is missing.
+TEST(MmssContract, HeaderFieldsTakeTheirWholeRangeAndNoMore) {
+    struct Field {
         FileKind kind;
-        const char* filter;
-        std::vector<std::string> extensions;
+        const char* largest;
+        const char* onePast;
+        const char* invalid;
+        const char* missing;
     };
-    const std::vector<Expected> expected = {
-        {FileKind::Mspl, "Mspl Files (*.mspl)", {"mspl"}},
-        {FileKind::Bst3Gpp, "3GppBst Files (*.Bst3Gpp)", {"Bst3Gpp"}},
-        {FileKind::Mlpl, "Mlpl Files (*.mlpl)", {"mlpl"}},
-        {FileKind::Plmn, "Plmn Files (*.ehplmn, *.oplmn, *.uplmn)", {"ehplmn", "oplmn", "uplmn"}},
-        {FileKind::TechOrder, "Technology Order (*.tot)", {"tot"}},
-        {FileKind::Laf, "LTE Available (*.laf)", {"laf"}},
+    const Field fields[] = {
+        {FileKind::Mspl, "255", "256", "Invalid Mmss Revision Value. Range is 0 - 255",
+         "Mmss Revision Value is Missing"},
+        {FileKind::Mspl, "65535", "65536", "Invalid Mspl Version Value.Range is 0 - 65535",
+         "Mspl Version Value is missing"},
+        {FileKind::Mlpl, "255", "256", "Invalid Mmss Revision Value. Range is 0 - 255",
+         "Mmss Revision Value is Missing"},
+        {FileKind::Mlpl, "65535", "65536", "Invalid Mlpl Version Value. Range is 0 - 65535",
+         "Mlpl Version Value is Missing"},
+        {FileKind::Mlpl, "255", "256", "Invalid Mlpl Id Value. Range is 0 - 255",
+         "Mlpl Id Value is Missing"},
+        {FileKind::Bst3Gpp, "65535", "65536", "Invalid Bst3Gpp Version Value.Range is 0 - 65535",
+         "Bst3Gpp Version Value is missing"},
+        {FileKind::TechOrder, "65535", "65536", "Invalid Version Value.Range is 0 - 65535",
+         "Version Value is missing"},
     };
-    const auto& kinds = MmssKinds();
-    ASSERT_EQ(kinds.size(), expected.size());
-    for (size_t i = 0; i < kinds.size(); ++i) {
-        EXPECT_EQ(kinds[i].kind, expected[i].kind);
-        EXPECT_EQ(kinds[i].filter, expected[i].filter);
-        EXPECT_EQ(kinds[i].extensions, expected[i].extensions);
+    std::map<FileKind, size_t> next;  // which field of its kind a row is about
+    for (const auto& f : fields) {
+        const size_t field = next[f.kind]++;
+        SCOPED_TRACE(MmssKind(f.kind).name + " field " + std::to_string(field));
+        const std::string path = DataPath(std::string("sample.") +
+                                          MmssKind(f.kind).extensions.front());
+        std::string error;
+        const auto bytes = LoadBytes(path);
+        for (const auto& [value, message] :
+             std::vector<std::pair<std::string, std::string>>{
+                 {"0", ""}, {f.largest, ""}, {f.onePast, f.invalid}, {"", f.missing}}) {
+            auto doc = Mmss::TraitsOf(f.kind).make();
+            doc->ReadBytes(bytes, path);
+            auto header = doc->HeaderValues();
+            ASSERT_LT(field, header.size());
+            header[field] = value;
+            doc->SetHeaderValues(header);
+            std::vector<uint8_t> written;
+            if (!message.empty()) {
+                EXPECT_FALSE(doc->Write(written, error)) << value;
+                EXPECT_EQ(error, message);
+                continue;
+            }
+            ASSERT_TRUE(doc->Write(written, error)) << value << ": " << error;
+            auto back = Mmss::TraitsOf(f.kind).make();
+            back->ReadBytes(written, path);
+            EXPECT_EQ(back->HeaderValues(), header);
+        }
     }
 }
 

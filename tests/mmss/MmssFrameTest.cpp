@@ -44,7 +44,12 @@ TEST(MmssFrame, RecordListOfZeroRecordsIsOneCountByte) {
               8u);
     EXPECT_TRUE(back.IsEmpty());
 
-    for (int i = 0; i < 256; ++i) list.Add(std::make_unique<Mspl::Record>());
+    // The count is one byte: 255 records are written, one more is refused.
+    for (int i = 0; i < 255; ++i) list.Add(std::make_unique<Mspl::Record>());
+    CRLFile full;
+    EXPECT_EQ(Mmss::WriteRecordList(full, list), 8u + 255 * 17);
+    EXPECT_EQ(full.Bytes().front(), 255);
+    list.Add(std::make_unique<Mspl::Record>());
     EXPECT_THROW(Mmss::WriteRecordList(file, list), Mmss::FormatError);
 }
 

@@ -139,14 +139,14 @@ TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
         std::vector<std::string> ids;
         std::vector<std::string> messages;
     };
+    // Header fields at their edges are checked once for every kind (MmssContract).
     const Case cases[] = {
-        {{"", "1"}, {"1"}, {"Mmss Revision Value is Missing"}},
         {{"256", "65536"},
          {"1"},
          {"Invalid Mmss Revision Value. Range is 0 - 255",
           "Invalid Mspl Version Value.Range is 0 - 65535"}},
-        {{"1", ""}, {"1"}, {"Mspl Version Value is missing"}},
-        {{"1", "1"}, {"4", "300", ""}, {"Invalid Mspl Id value in Tab 2The range is 0 - 255"}},
+        {{"1", "1"}, {"0", "255"}, {}},
+        {{"1", "1"}, {"4", "256", ""}, {"Invalid Mspl Id value in Tab 2The range is 0 - 255"}},
         {{"1", "1"}, {"4", "", "300"}, {"No Mspl Id entered in Tab 2"}},
         {{"1", "1"}, {"-1", "abc"}, {}},  // signed comparison: passes, written as low bits
     };

@@ -59,8 +59,7 @@ TEST(TechOrder, SaveChecks) {
     };
     const Case cases[] = {
         {"3", {2, 9}, {}},
-        {"", {2}, {"Version Value is missing"}},
-        {"70000", {2}, {"Invalid Version Value.Range is 0 - 65535"}},
+        {"3", {0, 255}, {}},
         {"3", {9, 5, 9}, {"There are redundant entries. The Rat-Ids should not be repeated"}},
     };
     for (const auto& c : cases) {
