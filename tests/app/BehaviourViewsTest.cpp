@@ -1,20 +1,22 @@
-// The editor's two faces of behaviour: the "Behaviour" tab of Compare With, whose double-click
-// shows the deciding record in both lists, and Roaming List > Optimize..., previewed and applied
-// as one undoable edit.
+// The windows that look at an open list while it is edited: Compare With (differences by GEO and
+// the "Behaviour" tab), Simulate Selection, the Problems panel with File > Check..., and
+// Roaming List > Optimize..., previewed and applied as one undoable edit. Each follows the edits
+// on its own, moves the documents' cursors on a double-click and takes its colours with it.
 #include <gtest/gtest.h>
 
-#include <QAction>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTest>
 #include <QTreeWidget>
 
+#include "analysis/Providers.h"
 #include "app/CompareWindow.h"
-#include "app/MainFrame.h"
 #include "app/OptimizeDialog.h"
+#include "app/ProblemsPanel.h"
 #include "app/RLDoc.h"
-#include "roaming_list/RLData.h"
+#include "app/SelectionWindow.h"
 #include "tests/app/TestSupport.h"
 
 namespace Tarn {
@@ -22,63 +24,257 @@ namespace {
 
 using AppTest::AppFixture;
 
-void Trigger(AppFixture& f, const QString& text) {
-    for (QAction* a : f.app->MainFrame()->findChildren<QAction*>())
-        if (a->text() == text) a->trigger();
+const QString kExample = QStringLiteral(TARN_EXAMPLES_DIR "/example-is683e.prl");
+
+QColor RowColour(GridModel& grid, int row) {
+    return grid.data(grid.index(row, 1), Qt::BackgroundRole).value<QColor>();
 }
 
-TEST(BehaviourViews, CompareShowsWhatHandsetsDoDifferently) {
-    AppFixture f;
-    f.app->MainFrame()->show();
-    const QString copy = f.Path("copy.prl");
-    ASSERT_TRUE(QFile::copy(TARN_EXAMPLES_DIR "/example-is683e.prl", copy));
-    auto* first =
-        qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(TARN_EXAMPLES_DIR "/example-is683e.prl"));
-    ASSERT_NE(first, nullptr);
-    int others = 0;
-    for (CDocument* d : f.app->Documents()) others += qobject_cast<CRLDoc*>(d) && d != first;
-    f.prompts.chooseAnswer = others;
-    f.prompts.fileAnswers.push_back(copy);
-    Trigger(f, "Co&mpare With...");
-    auto windows = f.app->MainFrame()->findChildren<CompareWindow*>();
-    ASSERT_FALSE(windows.empty());
-    CompareWindow* w = windows.back();
-    EXPECT_EQ(w->Tabs()->tabText(1), "Behaviour: the same");
+QTreeWidgetItem* FindItem(QTreeWidget* tree, const QString& prefix, int column = 0) {
+    for (QTreeWidgetItemIterator it(tree); *it; ++it)
+        if ((*it)->text(column).startsWith(prefix)) return *it;
+    return nullptr;
+}
 
-    // SID 22 turns from negative to preferred in the second list.
-    CRLDoc* second = w->Second();
+// The example list open beside a copy of itself in a Compare With window. The choice offers
+// every other open list (the untitled one the editor starts with), then "A file...", which asks
+// for a file and opens it beside the first.
+struct Compared {
+    AppFixture f;
+    CRLDoc* first = nullptr;
+    CompareWindow* w = nullptr;
+    int others = 0;
+
+    Compared() {
+        f.app->MainFrame()->show();
+        first = qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(kExample));
+        for (CDocument* d : f.app->Documents()) others += qobject_cast<CRLDoc*>(d) && d != first;
+        f.prompts.chooseAnswer = others;
+        f.prompts.fileAnswers.push_back(f.Example("example-is683e.prl"));
+        w = Latest();
+    }
+    CompareWindow* Latest() {
+        f.Trigger("Co&mpare With...");
+        auto windows = f.app->MainFrame()->findChildren<CompareWindow*>();
+        return windows.empty() ? nullptr : windows.back();
+    }
+};
+
+TEST(CompareWindow, ComparesTwoOpenListsAndFollowsTheirEdits) {
+    Compared c;
+    ASSERT_NE(c.w, nullptr);
+    EXPECT_EQ(c.f.prompts.openDialogs.size(), 1u);
+    CRLDoc* second = c.w->Second();
+    ASSERT_NE(second, nullptr);
+    EXPECT_NE(second, c.first);
+    EXPECT_EQ(c.w->First(), c.first);
+    EXPECT_EQ(c.w->Summary().toStdString(),
+              "0 added, 0 removed, 0 changed systems; 0 added, 0 removed, 0 changed acquisition records; 0 header changes");
+
+    // SID 22 becomes SID 23 and record 1 turns negative: compared again under GEO headings.
+    GridModel& sysA = c.first->Grid(CRLDoc::Table::Sys);
     GridModel& sysB = second->Grid(CRLDoc::Table::Sys);
+    sysB.setData(sysB.index(6, 10), "23", Qt::EditRole);
+    sysB.setData(sysB.index(1, 1), "Neg", Qt::EditRole);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return c.w->Summary().startsWith("1 added, 1 removed, 2 changed"); }, 10000))
+        << c.w->Summary().toStdString();
+    QTreeWidget* tree = c.w->Differences();
+    EXPECT_NE(FindItem(tree, "GEO 0"), nullptr);
+    EXPECT_NE(FindItem(tree, "GEO 1"), nullptr);
+    EXPECT_NE(FindItem(tree, "negPref: preferred -> negative"), nullptr);
+
+    // Every difference is coloured in its grid; choosing one moves both cursors to it and marks it.
+    EXPECT_TRUE(RowColour(sysA, 6).isValid());   // removed from the first
+    EXPECT_TRUE(RowColour(sysB, 6).isValid());   // added to the second
+    EXPECT_FALSE(RowColour(sysA, 0).isValid());  // unchanged
+    QSignalSpy focusA(c.first, &CRLDoc::focusCell), focusB(second, &CRLDoc::focusCell);
+    const QColor before = RowColour(sysB, 1);
+    ASSERT_NE(FindItem(tree, "~ 1\t"), nullptr);
+    tree->setCurrentItem(FindItem(tree, "~ 1\t"));
+    ASSERT_EQ(focusA.count(), 1);
+    ASSERT_EQ(focusB.count(), 1);
+    EXPECT_EQ(focusA[0][2].toInt(), 1);
+    EXPECT_EQ(focusB[0][2].toInt(), 1);
+    EXPECT_NE(RowColour(sysB, 1), before);
+    EXPECT_EQ(RowColour(sysA, 1), RowColour(sysB, 1));
+
+    // Both documents stay editable: putting the SID back is compared again.
+    sysB.setData(sysB.index(6, 10), "22", Qt::EditRole);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return c.w->Summary().startsWith("0 added, 0 removed, 2 changed"); }, 10000));
+
+    // Asking again with two lists open offers the other one by name.
+    c.f.prompts.chooseAnswer = 0;
+    c.f.prompts.choices.clear();
+    CompareWindow* again = c.Latest();
+    ASSERT_EQ(c.f.prompts.choices.size(), 1u);
+    EXPECT_EQ(c.f.prompts.choices.back().size(), c.others + 2);  // the lists open and "A file..."
+    ASSERT_NE(again, c.w);
+    EXPECT_NE(again->First(), again->Second());
+    delete again;
+    delete c.w;
+    EXPECT_FALSE(RowColour(sysA, 6).isValid());
+    EXPECT_FALSE(RowColour(sysB, 6).isValid());
+}
+
+TEST(CompareWindow, BehaviourTabShowsWhatHandsetsDoDifferently) {
+    Compared c;
+    ASSERT_NE(c.w, nullptr);
+    EXPECT_EQ(c.w->Tabs()->tabText(1), "Behaviour: the same");
+    // SID 22 turns from negative to preferred in the second list.
+    GridModel& sysB = c.w->Second()->Grid(CRLDoc::Table::Sys);
     sysB.setData(sysB.index(6, 1), "Pref", Qt::EditRole);
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return w->Tabs()->tabText(1) == "Behaviour: 1 system differs"; }, 10000))
-        << w->Tabs()->tabText(1).toStdString();
-    QTreeWidget* tree = w->Behaviour();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return c.w->Tabs()->tabText(1) == "Behaviour: 1 system differs"; }, 10000))
+        << c.w->Tabs()->tabText(1).toStdString();
+    QTreeWidget* tree = c.w->Behaviour();
     ASSERT_EQ(tree->topLevelItemCount(), 1);
-    QTreeWidgetItem* system = tree->topLevelItem(0);
-    EXPECT_TRUE(system->text(0).startsWith("SID 22")) << system->text(0).toStdString();
-    ASSERT_GT(system->childCount(), 0);
-    QTreeWidgetItem* change = system->child(0);
+    EXPECT_TRUE(tree->topLevelItem(0)->text(0).startsWith("SID 22"));
+    ASSERT_GT(tree->topLevelItem(0)->childCount(), 0);
+    QTreeWidgetItem* change = tree->topLevelItem(0)->child(0);
     ASSERT_GE(change->childCount(), 2);
-    EXPECT_TRUE(change->child(0)->text(0).startsWith("first:  negative"))
-        << change->child(0)->text(0).toStdString();
-    EXPECT_TRUE(change->child(1)->text(0).startsWith("second: preferred"))
-        << change->child(1)->text(0).toStdString();
+    EXPECT_TRUE(change->child(0)->text(0).startsWith("first:  negative")) << change->child(0)->text(0).toStdString();
+    EXPECT_TRUE(change->child(1)->text(0).startsWith("second: preferred")) << change->child(1)->text(0).toStdString();
 
     // A double-click moves both documents' cursors to the record that decides.
-    QSignalSpy focusA(first, &CRLDoc::focusCell), focusB(second, &CRLDoc::focusCell);
+    QSignalSpy focusA(c.first, &CRLDoc::focusCell), focusB(c.w->Second(), &CRLDoc::focusCell);
     emit tree->itemDoubleClicked(change, 0);
     ASSERT_EQ(focusA.count(), 1);
     ASSERT_EQ(focusB.count(), 1);
     EXPECT_EQ(focusA[0][2].toInt(), 6);
     EXPECT_EQ(focusB[0][2].toInt(), 6);
-    delete w;
+    delete c.w;
 }
 
-TEST(BehaviourViews, OptimizePreviewsAndAppliesOneUndoableEdit) {
+TEST(SelectionWindow, AnswersHighlightsJumpsAndFollowsEdits) {
     AppFixture f;
     f.app->MainFrame()->show();
-    auto* doc =
-        qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(TARN_EXAMPLES_DIR "/example-is683e.prl"));
+    auto* doc = qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(kExample));
+    ASSERT_NE(doc, nullptr);
+    auto open = [&] {
+        f.Trigger("Simulate &Selection...");
+        auto windows = f.app->MainFrame()->findChildren<SelectionWindow*>();
+        return windows.size() == 1 ? windows.front() : nullptr;
+    };
+    SelectionWindow* w = open();
+    ASSERT_NE(w, nullptr);
+    EXPECT_EQ(open(), w);  // asking again brings back the same window
+    GridModel& sys = doc->Grid(CRLDoc::Table::Sys);
+
+    w->Field(0)->setText("41x");
+    w->Simulate();
+    EXPECT_EQ(w->Summary(), "SID \"41x\" is not a number.");
+    EXPECT_FALSE(w->Result());
+
+    // SID 22 meets the negative record 6 of GEO 1: it and the preferred records 3, 4 and 5 of its
+    // GEO are coloured, GEO 0 is not.
+    w->Field(0)->setText("22");
+    w->Simulate();
+    EXPECT_TRUE(w->Summary().startsWith("SID 22: negative, record 6 (GEO 1, level 3)")) << w->Summary().toStdString();
+    std::vector<int> records;
+    for (int r = 0; r < w->Records()->rowCount(); ++r) records.push_back(w->Records()->item(r, 0)->text().toInt());
+    EXPECT_EQ(records, (std::vector<int>{6, 3, 4, 5}));
+    EXPECT_EQ(w->Records()->item(0, 2)->text(), "SID 22 NID 0");
+    if (!Analysis::ProviderDirectory::Shared().Empty()) {
+        EXPECT_TRUE(w->Records()->item(0, 3)->text().contains("United States"));
+    }
+    EXPECT_EQ(w->Records()->item(0, 6)->text(), "the only record naming the system");
+    const QColor negative = RowColour(sys, 6), more = RowColour(sys, 3);
+    EXPECT_TRUE(negative.isValid());
+    EXPECT_NE(negative, more);
+    EXPECT_EQ(RowColour(sys, 5), more);
+    EXPECT_FALSE(RowColour(sys, 0).isValid());
+
+    QSignalSpy focus(doc, &CRLDoc::focusCell);
+    emit w->Records()->cellDoubleClicked(2, 3);
+    ASSERT_EQ(focus.count(), 1);
+    EXPECT_EQ(focus[0][0].value<CRLDoc::Table>(), CRLDoc::Table::Sys);
+    EXPECT_EQ(focus[0][2].toInt(), 4);
+
+    // The user changes record 6's SID in the grid: the open window answers again on its own.
+    sys.setData(sys.index(6, 10), "23", Qt::EditRole);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return w->Summary().startsWith("SID 22: unlisted-forbidden"); }, 10000))
+        << w->Summary().toStdString();
+    EXPECT_EQ(w->Records()->rowCount(), 0);
+    EXPECT_FALSE(RowColour(sys, 6).isValid());
+    w->Field(0)->setText("23");
+    w->Simulate();
+    EXPECT_TRUE(RowColour(sys, 6).isValid());
+    delete w;
+    EXPECT_FALSE(RowColour(sys, 6).isValid());
+}
+
+std::vector<std::string> Rules(const ProblemsPanel& panel) {
+    std::vector<std::string> out;
+    for (const auto& f : panel.Findings()) out.push_back(f.rule + " " + f.Where());
+    return out;
+}
+
+TEST(ProblemsPanel, ShowsJumpsFollowsEditsAndTakesAPolicy) {
+    AppFixture f;
+    f.app->MainFrame()->show();
+    auto* doc = qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(kExample));
+    ASSERT_NE(doc, nullptr);
+    auto* panel = f.app->MainFrame()->findChild<ProblemsPanel*>();
+    ASSERT_NE(panel, nullptr);
+    EXPECT_FALSE(panel->isVisible());  // nothing is checked until the panel is asked for
+    panel->toggleViewAction()->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !panel->Findings().empty(); }, 10000)) << panel->Summary().toStdString();
+    EXPECT_EQ(panel->Document(), doc);
+    EXPECT_EQ(Rules(*panel), (std::vector<std::string>{"unused-acquisition acquisition #6",
+                                                       "priority-at-geo-end system #2"}));
+    EXPECT_EQ(panel->Summary(), "1 warning, 1 info");
+
+    QSignalSpy focus(doc, &CRLDoc::focusCell);
+    emit panel->List()->itemDoubleClicked(FindItem(panel->List(), "system #2", 2), 3);
+    emit panel->List()->itemDoubleClicked(FindItem(panel->List(), "acquisition #6", 2), 0);
+    ASSERT_EQ(focus.count(), 2);
+    EXPECT_EQ(focus[0][0].value<CRLDoc::Table>(), CRLDoc::Table::Sys);
+    EXPECT_EQ(focus[0][2].toInt(), 2);
+    EXPECT_EQ(focus[1][0].value<CRLDoc::Table>(), CRLDoc::Table::Acq);
+    EXPECT_EQ(focus[1][2].toInt(), 6);
+
+    // Record 2's priority set to "Same": the finding goes without asking; undo brings it back.
+    GridModel& sys = doc->Grid(CRLDoc::Table::Sys);
+    sys.setData(sys.index(2, 3), "Same", Qt::EditRole);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return panel->Findings().size() == 1; }, 10000)) << panel->Summary().toStdString();
+    doc->UndoStack().undo();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return panel->Findings().size() == 2; }, 10000));
+
+    // File > Check...: a policy that does not read is a message naming the key and changes
+    // nothing; cancelling changes nothing; a good one is applied.
+    auto write = [&](const QString& name, const QByteArray& text) {
+        QFile file(f.Path(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        return f.Path(name);
+    };
+    f.prompts.Clear();
+    f.prompts.fileAnswers = {write("bad.json", R"({"rules": {"no-such-rule": "off"}})")};
+    f.Trigger("Chec&k...");
+    ASSERT_EQ(f.prompts.messages.size(), 1u);
+    EXPECT_TRUE(f.prompts.messages[0].text.contains("rules.no-such-rule")) << f.prompts.messages[0].text.toStdString();
+    EXPECT_TRUE(panel->PolicyPath().isEmpty());
+    f.Trigger("Chec&k...");
+    EXPECT_TRUE(panel->PolicyPath().isEmpty());
+    const QString good = write("good.json", R"({"prefOnly": false, "rules": {"unused-acquisition": "off"}})");
+    f.prompts.fileAnswers = {good};
+    f.Trigger("Chec&k...");
+    EXPECT_EQ(panel->PolicyPath(), good);
+    EXPECT_EQ(Rules(*panel), (std::vector<std::string>{"policy-pref-only header", "priority-at-geo-end system #2"}));
+    // PREF_ONLY has no field to go to; nothing moves.
+    QSignalSpy header(doc, &CRLDoc::focusHeaderField);
+    emit panel->List()->itemDoubleClicked(FindItem(panel->List(), "header", 2), 0);
+    EXPECT_EQ(header.count(), 0);
+
+    // Closing the list empties the panel.
+    f.Trigger("&Close");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return panel->Findings().empty(); }, 10000));
+    EXPECT_EQ(panel->Document(), nullptr);
+}
+
+TEST(Optimize, PreviewsAndAppliesOneUndoableEdit) {
+    AppFixture f;
+    f.app->MainFrame()->show();
+    auto* doc = qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(kExample));
     ASSERT_NE(doc, nullptr);
     GridModel& acq = doc->Grid(CRLDoc::Table::Acq);
     const int rowsBefore = acq.rowCount();
@@ -90,7 +286,7 @@ TEST(BehaviourViews, OptimizePreviewsAndAppliesOneUndoableEdit) {
         previewRows = preview ? preview->Steps()->rowCount() : -1;
         return QDialog::Rejected;
     };
-    Trigger(f, "&Optimize...");
+    f.Trigger("&Optimize...");
     EXPECT_EQ(f.prompts.dialogs, QStringList{"OptimizeDialog"});
     EXPECT_EQ(previewRows, 5);
     EXPECT_EQ(acq.rowCount(), rowsBefore);
@@ -98,9 +294,8 @@ TEST(BehaviourViews, OptimizePreviewsAndAppliesOneUndoableEdit) {
 
     // Applied: the unused acquisition record goes; one undo brings it back.
     f.prompts.onDialog = [](QDialog&) { return QDialog::Accepted; };
-    Trigger(f, "&Optimize...");
+    f.Trigger("&Optimize...");
     EXPECT_EQ(acq.rowCount(), rowsBefore - 1);
-    EXPECT_TRUE(doc->IsModified());
     EXPECT_EQ(doc->UndoStack().count(), 1);
     doc->UndoStack().undo();
     EXPECT_EQ(acq.rowCount(), rowsBefore);
@@ -109,11 +304,10 @@ TEST(BehaviourViews, OptimizePreviewsAndAppliesOneUndoableEdit) {
 
     // Optimized once, the list has nothing left to give: the user is told, no preview is shown.
     f.prompts.Clear();
-    Trigger(f, "&Optimize...");
+    f.Trigger("&Optimize...");
     EXPECT_TRUE(f.prompts.dialogs.isEmpty());
     ASSERT_EQ(f.prompts.messages.size(), 1u);
-    EXPECT_TRUE(f.prompts.messages[0].text.startsWith("Nothing to optimize"))
-        << f.prompts.messages[0].text.toStdString();
+    EXPECT_TRUE(f.prompts.messages[0].text.startsWith("Nothing to optimize")) << f.prompts.messages[0].text.toStdString();
 }
 
 }  // namespace

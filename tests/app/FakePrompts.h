@@ -61,10 +61,8 @@ public:
         return out;
     }
     void Clear() {
-        messages.clear();
-        questions.clear();
-        openDialogs.clear();
-        saveDialogs.clear();
+        for (auto* shown : {&messages, &questions}) shown->clear();
+        for (auto* specs : {&openDialogs, &saveDialogs}) specs->clear();
         dialogs.clear();
         choices.clear();
     }

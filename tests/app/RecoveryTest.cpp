@@ -1,18 +1,18 @@
-// Recovery copies: written after an edit and a pause, byte for byte what Save writes, gone after a
-// save or a close without saving; left by a session that died, offered at the next start and
-// restored as modified documents; never taken from a running editor, never opened when they do
-// not read; and never written by the unattended conversions.
+// Recovery copies: written after an edit and a pause, byte for byte what Save writes, one per
+// document, gone after a save or a close without saving; left by a session that died, offered at
+// the next start and restored as modified documents; never taken from a running editor, never
+// opened when they do not read; and never written by the unattended conversions.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLockFile>
 #include <QSettings>
 #include <QTableWidget>
 #include <QTest>
+#include <map>
 
 #include "app/RLDoc.h"
 #include "app/Recovery.h"
@@ -23,6 +23,8 @@ namespace {
 
 using AppTest::AppFixture;
 
+const QString kExample = QStringLiteral(TARN_EXAMPLES_DIR "/example-is683e.prl");
+
 // Each test gets its own recovery folder and a one-second interval.
 class Recovery : public ::testing::Test {
 protected:
@@ -32,49 +34,56 @@ protected:
     }
     void TearDown() override { QSettings().remove("Recovery/IntervalSeconds"); }
 
-    static QStringList Files(const QString& folder = RecoveryManager::Folder()) {
-        return QDir(folder).entryList(QDir::Files);
-    }
+    static QStringList Files() { return QDir(RecoveryManager::Folder()).entryList(QDir::Files); }
     static QStringList Copies() { return Files().filter(QRegularExpression("\\.prl$")); }
 
-    // A copy and its note as a session that is gone would have left them.
-    static void LeaveCopy(const QString& name, const std::vector<uint8_t>& bytes,
-                          const QString& original, const QString& session = "4242-1") {
+    // A copy and its note as a session that is gone would have left them; `noteSize` pads the
+    // note with blanks to that many bytes.
+    static void LeaveCopy(const QString& name, const std::vector<uint8_t>& bytes, const QString& original,
+                          const QString& session = "4242-1", qsizetype noteSize = 0) {
         QDir().mkpath(RecoveryManager::Folder());
         AppTest::WriteBytes(RecoveryManager::Folder() + "/" + name, bytes);
-        QJsonObject note{{"original", original},   {"title", QFileInfo(original).fileName()},
-                         {"kind", "Roaming List"}, {"time", "2026-11-24T10:00:00Z"},
-                         {"session", session},     {"copy", name}};
+        const QJsonObject note{{"original", original},   {"title", QFileInfo(original).fileName()},
+                               {"kind", "Roaming List"}, {"time", "2026-11-24T10:00:00Z"},
+                               {"session", session},     {"copy", name}};
+        QByteArray text = QJsonDocument(note).toJson();
+        if (noteSize > text.size()) text += QByteArray(noteSize - text.size(), ' ');
         QFile f(RecoveryManager::Folder() + "/" + name + ".json");
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QJsonDocument(note).toJson());
+        f.write(text);
     }
 
     QTemporaryDir state_;
 };
 
-void EditSid(CRLDoc& doc, int row, const char* sid) {
+void EditSid(CRLDoc& doc, const char* sid) {
     GridModel& grid = doc.Grid(CRLDoc::Table::Sys);
-    grid.setData(grid.index(row, 10), sid, Qt::EditRole);
+    grid.setData(grid.index(6, 10), sid, Qt::EditRole);
 }
 
 TEST_F(Recovery, CopyFollowsTheEditsAndGoesWithSaveOrClose) {
     AppFixture f;
     ASSERT_NE(f.app->Recovery(), nullptr);
-    const QString path = f.Path("list.prl");
-    ASSERT_TRUE(QFile::copy(TARN_EXAMPLES_DIR "/example-is683e.prl", path));
-    auto* doc = qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(path));
-    ASSERT_NE(doc, nullptr);
+    // Two files of one name, in two folders, keep two copies.
+    std::vector<CRLDoc*> docs;
+    for (const QString sub : {"a", "b"}) {
+        QDir(f.dir.path()).mkdir(sub);
+        ASSERT_TRUE(QFile::copy(kExample, f.Path(sub + "/list.prl")));
+        docs.push_back(qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(f.Path(sub + "/list.prl"))));
+        ASSERT_NE(docs.back(), nullptr);
+    }
+    CRLDoc* doc = docs[0];
+    const QString path = f.Path("a/list.prl");
     EXPECT_TRUE(Copies().isEmpty());
-
-    EditSid(*doc, 6, "23");
+    EditSid(*doc, "23");
+    EditSid(*docs[1], "31");
     EXPECT_TRUE(Copies().isEmpty());  // never on the keystroke itself
     const QString copy = f.app->Recovery()->CopyPath(*doc);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(copy); }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Copies().size() == 2; }, 5000)) << Copies().join(", ").toStdString();
+    EXPECT_NE(copy, f.app->Recovery()->CopyPath(*docs[1]));
     EXPECT_TRUE(QFile::exists(copy + ".json"));
     const auto copied = AppTest::ReadBytes(copy);
-    EXPECT_EQ(AppTest::ReadBytes(path),
-              AppTest::ReadBytes(TARN_EXAMPLES_DIR "/example-is683e.prl"));  // untouched
+    EXPECT_EQ(AppTest::ReadBytes(path), AppTest::ReadBytes(kExample));  // untouched
 
     // The copy is what Save writes; saving takes it away.
     ASSERT_TRUE(doc->DoFileSave());
@@ -83,89 +92,77 @@ TEST_F(Recovery, CopyFollowsTheEditsAndGoesWithSaveOrClose) {
     EXPECT_FALSE(QFile::exists(copy + ".json"));
 
     // Edited again and closed without saving: the copy goes too.
-    EditSid(*doc, 6, "24");
+    EditSid(*doc, "24");
     ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(copy); }, 5000));
     f.prompts.saveAnswer = Answer::No;
     doc->Windows().front()->close();
     EXPECT_FALSE(QFile::exists(copy));
 }
 
-TEST_F(Recovery, TwoFilesOfOneNameKeepTwoCopies) {
-    AppFixture f;
-    std::vector<CRLDoc*> docs;
-    for (const QString sub : {"a", "b"}) {
-        QDir(f.dir.path()).mkdir(sub);
-        const QString path = f.Path(sub + "/list.prl");
-        ASSERT_TRUE(QFile::copy(TARN_EXAMPLES_DIR "/example-is683e.prl", path));
-        docs.push_back(qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(path)));
-        ASSERT_NE(docs.back(), nullptr);
-    }
-    EditSid(*docs[0], 6, "30");
-    EditSid(*docs[1], 6, "31");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Copies().size() == 2; }, 5000))
-        << Copies().join(", ").toStdString();
-    EXPECT_NE(f.app->Recovery()->CopyPath(*docs[0]), f.app->Recovery()->CopyPath(*docs[1]));
-}
-
 TEST_F(Recovery, LeftOverCopiesAreOfferedAndRestored) {
     // A list whose SID 22 became 77, left by a session that died, and a truncated copy.
     const QString original = state_.filePath("work/list.prl");
     QDir().mkpath(state_.filePath("work"));
-    ASSERT_TRUE(QFile::copy(TARN_EXAMPLES_DIR "/example-is683e.prl", original));
+    ASSERT_TRUE(QFile::copy(kExample, original));
     std::vector<uint8_t> edited;
     {
         AppFixture writer;
         auto* doc = qobject_cast<CRLDoc*>(writer.app->OpenDocumentFile(original));
         ASSERT_NE(doc, nullptr);
-        EditSid(*doc, 6, "77");
+        EditSid(*doc, "77");
         QString error;
-        ASSERT_TRUE(doc->WriteRecoveryCopy(state_.filePath("edited.prl"), error))
-            << error.toStdString();
+        ASSERT_TRUE(doc->WriteRecoveryCopy(state_.filePath("edited.prl"), error)) << error.toStdString();
         edited = AppTest::ReadBytes(state_.filePath("edited.prl"));
         writer.prompts.saveAnswer = Answer::No;
     }
     LeaveCopy("4242-1-1.prl", edited, original);
-    std::vector<uint8_t> truncated(edited.begin(),
-                                   edited.begin() + static_cast<long>(edited.size() / 2));
+    std::vector<uint8_t> truncated(edited.begin(), edited.begin() + static_cast<long>(edited.size() / 2));
     LeaveCopy("4242-1-2.prl", truncated, state_.filePath("work/other.prl"));
+    // A note is read up to 65535 bytes; one byte more and it does not read.
+    LeaveCopy("4242-1-3.prl", edited, state_.filePath("work/edge.prl"), "4242-1", 65535);
+    LeaveCopy("4242-1-4.prl", edited, state_.filePath("work/past.prl"), "4242-1", 65536);
     // A running editor's copy is not this start's to offer.
     QLockFile running(RecoveryManager::Folder() + "/live-1.lock");
     ASSERT_TRUE(running.tryLock(0));
     LeaveCopy("live-1-1.prl", edited, state_.filePath("work/live.prl"), "live-1");
 
-    std::vector<QString> offered, problems;
+    std::map<QString, QString> offered;  // title -> where it belongs, or why it cannot be recovered
     const auto onDialog = [&](QDialog& dialog) {
         auto* d = qobject_cast<RecoveryDialog*>(&dialog);
         if (!d) return int(QDialog::Rejected);
-        for (int row = 0; row < d->Copies()->rowCount(); ++row) {
-            offered.push_back(d->Copies()->item(row, 0)->text());
-            problems.push_back(d->Copies()->item(row, 3)->text());
-        }
+        for (int row = 0; row < d->Copies()->rowCount(); ++row)
+            offered[d->Copies()->item(row, 0)->text()] =
+                d->Copies()->item(row, 3)->text() + "|" + d->Copies()->item(row, 3)->toolTip();
         return int(QDialog::Accepted);
     };
     AppFixture f({}, [&](AppTest::FakePrompts& p) { p.onDialog = onDialog; });
-    EXPECT_EQ(offered, (std::vector<QString>{"list.prl", "other.prl"}));
-    ASSERT_EQ(problems.size(), 2u);
-    EXPECT_TRUE(problems[1].startsWith("cannot be recovered")) << problems[1].toStdString();
+    ASSERT_EQ(offered.size(), 4u);
+    EXPECT_EQ(offered["list.prl"], original + "|");
+    EXPECT_EQ(offered["edge.prl"], state_.filePath("work/edge.prl") + "|");
+    EXPECT_TRUE(offered["other.prl"].startsWith("cannot be recovered")) << offered["other.prl"].toStdString();
+    EXPECT_TRUE(offered["4242-1-4.prl"].contains("|the note beside the copy does not read\n"))
+        << offered["4242-1-4.prl"].toStdString();
 
-    // The readable copy opens as a modified document of the original's name holding the edit;
+    // The readable copies open as modified documents of the originals' names holding the edit;
     // the file on disk is untouched until the user saves.
-    std::vector<CRLDoc*> lists;
+    std::map<QString, CRLDoc*> lists;
     for (CDocument* d : f.app->Documents())
-        if (auto* l = qobject_cast<CRLDoc*>(d)) lists.push_back(l);
-    ASSERT_EQ(lists.size(), 1u);
-    EXPECT_EQ(lists[0]->Title(), "list.prl");
-    EXPECT_TRUE(lists[0]->IsModified());
-    GridModel& grid = lists[0]->Grid(CRLDoc::Table::Sys);
+        if (auto* l = qobject_cast<CRLDoc*>(d)) lists[l->Title()] = l;
+    ASSERT_EQ(lists.size(), 2u);
+    ASSERT_TRUE(lists.count("edge.prl"));
+    CRLDoc* restored = lists["list.prl"];
+    ASSERT_NE(restored, nullptr);
+    EXPECT_TRUE(restored->IsModified());
+    GridModel& grid = restored->Grid(CRLDoc::Table::Sys);
     EXPECT_EQ(grid.data(grid.index(6, 10), Qt::DisplayRole).toString(), "77");
-    EXPECT_EQ(AppTest::ReadBytes(original),
-              AppTest::ReadBytes(TARN_EXAMPLES_DIR "/example-is683e.prl"));
-    ASSERT_TRUE(lists[0]->DoFileSave());
+    EXPECT_EQ(AppTest::ReadBytes(original), AppTest::ReadBytes(kExample));
+    ASSERT_TRUE(restored->DoFileSave());
     EXPECT_EQ(AppTest::ReadBytes(original), edited);
 
-    // The offered copies are gone from the folder, the broken one set aside, the live one kept.
+    // The offered copies are gone from the folder, the broken ones set aside, the live one kept.
     EXPECT_FALSE(QFile::exists(RecoveryManager::Folder() + "/4242-1-1.prl"));
     EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/unreadable/4242-1-2.prl"));
+    EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/unreadable/4242-1-4.prl"));
     EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/live-1-1.prl"));
 }
 
@@ -187,11 +184,10 @@ TEST_F(Recovery, LocksOfEndedSessionsAreCleared) {
 }
 
 TEST_F(Recovery, UnattendedConversionsKeepNoCopies) {
-    AppFixture f({"-f", TARN_EXAMPLES_DIR "/example-is683e.prl",
-                  QDir::temp().filePath("tarn-recovery-test.txt")});
+    QTemporaryDir out;
+    AppFixture f({"-f", kExample, out.filePath("out.txt")});
     EXPECT_EQ(f.app->Recovery(), nullptr);
     EXPECT_TRUE(Files().isEmpty());
-    QFile::remove(QDir::temp().filePath("tarn-recovery-test.txt"));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// One editor per session: where editors meet, which starts look for a running one, and a real
-// second start handing its file to an editor that is already running.
+// One editor per session: where editors meet, which starts look for a running one, what a
+// request may hold, and a real second start handing its file to an editor that is already running.
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -9,9 +9,7 @@
 #include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QLocalSocket>
-#include <QProcess>
 #include <QtEndian>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
 
@@ -34,25 +32,6 @@ bool SpinUntil(const std::function<bool()>& done) {
     return true;
 }
 
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        hadOld_ = std::getenv(name) != nullptr;
-        if (value) setenv(name, value, 1);
-        else unsetenv(name);
-    }
-    ~ScopedEnv() {
-        if (hadOld_) setenv(name_, old_.c_str(), 1);
-        else unsetenv(name_);
-    }
-
-private:
-    const char* name_;
-    std::string old_;
-    bool hadOld_ = false;
-};
-
 TEST(SingleInstance, SocketPathKeepsUsersAndSessionsApart) {
     QTemporaryDir runtime;
     const QString inRuntime = SessionSocketPath(runtime.path(), QStringLiteral(":0"), 1000);
@@ -67,8 +46,7 @@ TEST(SingleInstance, SocketPathKeepsUsersAndSessionsApart) {
     EXPECT_EQ(QFileInfo(fallback).absolutePath(), QFileInfo(QDir::tempPath()).absoluteFilePath());
     EXPECT_EQ(QFileInfo(fallback).fileName(), QStringLiteral("tarn-1000-nodisplay.socket"));
     // A display name never leaves the folder.
-    EXPECT_EQ(QFileInfo(SessionSocketPath(runtime.path(), QStringLiteral("../x/y"), 1))
-                  .absolutePath(),
+    EXPECT_EQ(QFileInfo(SessionSocketPath(runtime.path(), QStringLiteral("../x/y"), 1)).absolutePath(),
               QFileInfo(runtime.path()).absoluteFilePath());
 }
 
@@ -87,15 +65,16 @@ TEST(SingleInstance, OnlyInteractiveStartsLookForARunningEditor) {
         {{"--new-instance", "a.prl"}, nullptr, {"a.prl"}, false},
         // Conversions and refused command lines never reach another process.
         {{"-f", "a.prl", "a.txt"}, nullptr, {}, false},
-        {{"/u", "a.txt", "a.prl"}, nullptr, {}, false},
         {{"-c", "a.mspl"}, nullptr, {}, false},
     };
+    const QByteArray saved = qgetenv("TARN_NEW_INSTANCE");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args.join(' ').toStdString() + " env=" + (c.env ? c.env : "unset"));
-        ScopedEnv env("TARN_NEW_INSTANCE", c.env);
+        c.env ? qputenv("TARN_NEW_INSTANCE", c.env) : qunsetenv("TARN_NEW_INSTANCE");
         EXPECT_EQ(FilesToOpen(c.args), c.files);
         EXPECT_EQ(WantsRunningEditor(c.args), c.wants);
     }
+    saved.isNull() ? qunsetenv("TARN_NEW_INSTANCE") : qputenv("TARN_NEW_INSTANCE", saved);
 }
 
 TEST(SingleInstance, ListenReplacesAStaleSocketButNotALiveOne) {
@@ -112,7 +91,6 @@ TEST(SingleInstance, ListenReplacesAStaleSocketButNotALiveOne) {
         std::memcpy(addr.sun_path, native.constData(), static_cast<size_t>(native.size()));
         ASSERT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof(addr)), 0);
         ::close(fd);
-        ASSERT_TRUE(QFileInfo::exists(path));
     }
     SingleInstance first(path);
     EXPECT_TRUE(first.Listen());
@@ -121,56 +99,62 @@ TEST(SingleInstance, ListenReplacesAStaleSocketButNotALiveOne) {
     EXPECT_TRUE(first.IsListening());
 }
 
-TEST(SingleInstance, MalformedRequestsAreDroppedUnanswered) {
+// A request is the magic, a big-endian length and NUL-ended paths. The largest payload is taken
+// and answered; anything malformed or one byte larger is dropped unanswered.
+TEST(SingleInstance, RequestsUpToTheLimitAreAnsweredAndTheRestDropped) {
     QTemporaryDir dir;
     SingleInstance server(dir.filePath("tarn-test.socket"));
     ASSERT_TRUE(server.Listen());
-    int received = 0;
-    QObject::connect(&server, &SingleInstance::filesReceived, [&] { ++received; });
-
-    auto header = [](quint32 length) {
-        QByteArray b("TRN1");
+    QStringList received;
+    QObject::connect(&server, &SingleInstance::filesReceived, [&](const QStringList& f) { received << f; });
+    auto header = [](qint64 length) {
         char raw[4];
-        qToBigEndian(length, raw);
-        return b + QByteArray(raw, 4);
+        qToBigEndian(static_cast<quint32>(length), raw);
+        return QByteArray("TRN1") + QByteArray(raw, 4);
     };
-    const QByteArray requests[] = {
-        QByteArray("GET / HTTP/1.0\r\n\r\n"),
-        header(0xFFFFFFFFu),  // a length past the limit
-        header(3) + QByteArray("abc"),            // a path without its NUL
-        header(2) + QByteArray("a\0b\0", 4),  // more than it announced
+    const qint64 kMax = SingleInstance::kMaxRequestBytes;
+    const QByteArray longest = "/" + QByteArray(static_cast<qsizetype>(kMax - 2), 'a') + QByteArray(1, '\0');
+    const struct {
+        QByteArray request;
+        qsizetype files;  // the paths handed on; -1: dropped unanswered
+    } cases[] = {
+        {header(kMax) + longest, 1},
+        {header(6) + QByteArray("/a\0/b\0", 6), 2},
+        {header(kMax) + longest + "b", -1},  // more than it announced, and past the limit
+        {header(kMax + 1) + longest + "b", -1},
+        {QByteArray("GET / HTTP/1.0\r\n\r\n"), -1},
+        {header(0xFFFFFFFFu), -1},
+        {header(3) + QByteArray("abc"), -1},  // a path without its NUL
+        {header(2) + QByteArray("a\0b\0", 4), -1},
     };
-    for (const QByteArray& request : requests) {
-        SCOPED_TRACE(request.left(8).toHex().toStdString());
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.request.left(8).toHex().toStdString() + " of " + std::to_string(c.request.size()));
+        received.clear();
         QLocalSocket client;
         client.connectToServer(server.SocketPath());
         ASSERT_TRUE(client.waitForConnected(10000));
-        client.write(request);
-        client.flush();
+        client.write(c.request);
         ASSERT_TRUE(SpinUntil([&] { return client.state() == QLocalSocket::UnconnectedState; }));
-        EXPECT_EQ(client.bytesAvailable(), 0) << "a malformed request was acknowledged";
+        EXPECT_EQ(client.bytesAvailable(), c.files < 0 ? 0 : 1);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(received.size(), std::max<qsizetype>(c.files, 0));
     }
-    QCoreApplication::processEvents();
-    EXPECT_EQ(received, 0);
 }
 
 // ---- The real program as the second start -----------------------------------------------------
 
-struct SecondStart {
+TEST(SingleInstance, SecondStartHandsItsFileToTheRunningEditorButConversionsNever) {
+    AppFixture f;
     QTemporaryDir runtime;  // the child's XDG_RUNTIME_DIR: where it looks for an editor
     QStringList received;
     SingleInstance server{SessionSocketPath(runtime.path(), {}, static_cast<unsigned>(::getuid()))};
-
-    bool Listen(CTessaryApp& app) {
-        QObject::connect(&server, &SingleInstance::filesReceived, [this, &app](const QStringList& f) {
-            received << f;
-            OpenHandedFiles(app, f);
-        });
-        return server.Listen();
-    }
-
-    // Runs tarn in `workDir` with no display; its exit code, or -1 when it did not end.
-    int Run(const QStringList& args, const QString& workDir) {
+    QObject::connect(&server, &SingleInstance::filesReceived, [&](const QStringList& files) {
+        received << files;
+        OpenHandedFiles(*f.app, files);
+    });
+    ASSERT_TRUE(server.Listen());
+    // Runs tarn in the test's folder with no display; its exit code, or -1 when it did not end.
+    auto run = [&](const QStringList& args) {
         QProcess p;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "TARN_NEW_INSTANCE"}) env.remove(name);
@@ -178,7 +162,7 @@ struct SecondStart {
         env.insert("XDG_RUNTIME_DIR", runtime.path());
         env.insert("LC_ALL", "C");
         p.setProcessEnvironment(env);
-        p.setWorkingDirectory(workDir);
+        p.setWorkingDirectory(f.dir.path());
         p.start(TARN_APP_PATH, args);
         // The child waits for this process's answer, so the event loop must run meanwhile.
         if (!SpinUntil([&] { return p.state() == QProcess::NotRunning; })) {
@@ -187,35 +171,22 @@ struct SecondStart {
             return -1;
         }
         return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    }
-};
-
-TEST(SingleInstance, SecondStartHandsItsFileToTheRunningEditor) {
-    AppFixture f;
-    SecondStart second;
-    ASSERT_TRUE(second.Listen(*f.app));
+    };
     AppTest::WriteBytes(f.Path("handed.prl"), AppTest::EmptyListBytes(3, 4242));
     const size_t before = f.app->Documents().size();
 
-    // A name relative to the second start's folder reaches the editor as an absolute path.
-    ASSERT_EQ(second.Run({"handed.prl"}, f.dir.path()), 0);
-    ASSERT_TRUE(SpinUntil([&] { return !second.received.isEmpty(); }));
-    const QString expected = QFileInfo(f.Path("handed.prl")).absoluteFilePath();
-    EXPECT_EQ(second.received, QStringList{expected});
-    ASSERT_EQ(f.app->Documents().size(), before + 1);
-    EXPECT_EQ(QFileInfo(f.app->Documents().back()->PathName()).absoluteFilePath(), expected);
-}
-
-TEST(SingleInstance, ConversionsNeverReachTheRunningEditor) {
-    AppFixture f;
-    SecondStart second;
-    ASSERT_TRUE(second.Listen(*f.app));
-    AppTest::WriteBytes(f.Path("in.prl"), AppTest::EmptyListBytes(5));
-
-    ASSERT_EQ(second.Run({"-f", "in.prl", "out.txt"}, f.dir.path()), 0);
+    ASSERT_EQ(run({"-f", "handed.prl", "out.txt"}), 0);
     EXPECT_TRUE(QFileInfo::exists(f.Path("out.txt")));
     QCoreApplication::processEvents();
-    EXPECT_TRUE(second.received.isEmpty());
+    EXPECT_TRUE(received.isEmpty());
+
+    // A name relative to the second start's folder reaches the editor as an absolute path.
+    ASSERT_EQ(run({"handed.prl"}), 0);
+    ASSERT_TRUE(SpinUntil([&] { return !received.isEmpty(); }));
+    const QString expected = QFileInfo(f.Path("handed.prl")).absoluteFilePath();
+    EXPECT_EQ(received, QStringList{expected});
+    ASSERT_EQ(f.app->Documents().size(), before + 1);
+    EXPECT_EQ(QFileInfo(f.app->Documents().back()->PathName()).absoluteFilePath(), expected);
 }
 
 }  // namespace

@@ -1,35 +1,27 @@
 // The MMSS documents in the editor: open, edit through the grid model, save and reopen each kind;
-// the save checks with their messages, tab numbers and cursor; entries refused as they are typed;
-// undo and redo of every kind of edit; and the command-line actions of the real program.
+// every form field at its edges; the save checks with their messages and cursor; entries refused
+// as they are typed; the notices after loading; and undo and redo of every kind of edit.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QLineEdit>
 #include <QMdiSubWindow>
-#include <QProcess>
+#include <QSignalSpy>
 #include <QTabWidget>
 #include <functional>
-#include <nlohmann/json.hpp>
 
-#include "app/MainFrame.h"
 #include "app/mmss/MmssDocuments.h"
 #include "app/mmss/MmssViews.h"
-#include "foundation/MessageTable.h"
-#include "mmss/TechOrder/TechOrderDocument.h"
 #include "tests/app/TestSupport.h"
 
 namespace Tarn {
 namespace {
 
 using AppTest::AppFixture;
+using AppTest::Text;
 using App::MmssDocument;
 using App::MmssView;
 
 const QString kData = QStringLiteral(TARN_EXAMPLES_DIR "/../tests/data/mmss/");
-
-QString Text(unsigned id) {
-    return QString::fromStdString(FormatMessage(id));
-}
 
 QByteArray FileBytes(const QString& path) {
     QFile f(path);
@@ -58,49 +50,40 @@ void Close(AppFixture& f, MmssDocument* doc) {
     f.app->CloseDocument(doc);
 }
 
-struct Sample {
-    const char* file;
-    int tab, column, row;
-    const char* edit;
-};
-const Sample kSamples[] = {
-    {"sample.mspl", 0, 0, 1, "GERAN"},       {"sample.mlpl", 1, 3, 0, "7"},
-    {"sample.ehplmn", 0, 1, 0, "26"},        {"sample.oplmn", 0, 2, 1, "1"},
-    {"sample.Bst3Gpp", 0, 5, 0, "2176"},       {"sample.tot", 0, 0, 2, "HRPD"},
-    {"sample.laf", 0, 0, 1, "65535"},
-};
+QString Shown(const AppFixture& f) {
+    return f.prompts.MessageTexts().join("|");
+}
 
-TEST(MmssDoc, OpenShowsTheTextOfTheFileAndSavesItUnchanged) {
+TEST(MmssDoc, EachKindOpensSavesUnchangedAndKeepsAGridEdit) {
+    const struct {
+        const char* file;
+        int tab, column, row;
+        const char* edit;
+    } samples[] = {
+        {"sample.mspl", 0, 0, 1, "GERAN"},    {"sample.mlpl", 1, 3, 0, "7"},
+        {"sample.ehplmn", 0, 1, 0, "26"},     {"sample.oplmn", 0, 2, 1, "1"},
+        {"sample.Bst3Gpp", 0, 5, 0, "2176"},  {"sample.tot", 0, 0, 2, "HRPD"},
+        {"sample.laf", 0, 0, 1, "65535"},
+    };
     AppFixture f;
-    for (const Sample& s : kSamples) {
+    for (const auto& s : samples) {
         SCOPED_TRACE(s.file);
         const QString path = CopySample(f, s.file);
         MmssDocument* doc = Open(f, path);
-        ASSERT_NE(doc, nullptr) << f.prompts.MessageTexts().join("|").toStdString();
+        ASSERT_NE(doc, nullptr) << Shown(f).toStdString();
         EXPECT_TRUE(f.prompts.messages.empty());
         QString text;
         ASSERT_TRUE(doc->GetPrintText(text));
         EXPECT_EQ(text, QString::fromUtf8(FileBytes(kData + s.file + ".txt")));
-        ASSERT_TRUE(doc->DoFileSave()) << f.prompts.MessageTexts().join("|").toStdString();
+        ASSERT_TRUE(doc->DoFileSave()) << Shown(f).toStdString();
         EXPECT_EQ(FileBytes(path), FileBytes(kData + s.file));
-        Close(f, doc);
-    }
-}
 
-TEST(MmssDoc, GridEditSurvivesSaveAndReopen) {
-    AppFixture f;
-    for (const Sample& s : kSamples) {
-        SCOPED_TRACE(s.file);
-        const QString path = CopySample(f, s.file);
-        MmssDocument* doc = Open(f, path);
-        ASSERT_NE(doc, nullptr);
         GridModel& grid = *doc->Tab(s.tab).grid;
         ASSERT_TRUE(grid.setData(grid.index(s.row, s.column), s.edit, Qt::EditRole));
         EXPECT_TRUE(doc->IsModified());
-        ASSERT_TRUE(doc->DoFileSave()) << f.prompts.MessageTexts().join("|").toStdString();
+        ASSERT_TRUE(doc->DoFileSave()) << Shown(f).toStdString();
         EXPECT_NE(FileBytes(path), FileBytes(kData + s.file));
         Close(f, doc);
-
         doc = Open(f, path);
         ASSERT_NE(doc, nullptr);
         EXPECT_EQ(doc->Tab(s.tab).grid->GetCellText(s.column, s.row), s.edit);
@@ -128,36 +111,94 @@ TEST(MmssDoc, EveryNewCommandMakesADocumentThatSavesAndReopens) {
         auto* doc = qobject_cast<MmssDocument*>(f.app->Documents().back());
         ASSERT_NE(doc, nullptr);
         EXPECT_EQ(doc->KindTitle(), k.title);
-        ASSERT_GE(doc->TabCount(), 1);
         EXPECT_GE(doc->Tab(0).grid->GetRowCount(), 1) << "a new document starts with a row";
-        ASSERT_TRUE(doc->DoSave(f.Path(k.name))) << f.prompts.MessageTexts().join("|").toStdString();
-        QString before;
+        ASSERT_TRUE(doc->DoSave(f.Path(k.name))) << Shown(f).toStdString();
+        QString before, after;
         doc->GetPrintText(before);
         Close(f, doc);
         doc = Open(f, f.Path(k.name));
         ASSERT_NE(doc, nullptr);
-        QString after;
         doc->GetPrintText(after);
         EXPECT_EQ(after, before);
         Close(f, doc);
     }
-    EXPECT_TRUE(f.prompts.messages.empty()) << f.prompts.MessageTexts().join("|").toStdString();
+    EXPECT_TRUE(f.prompts.messages.empty()) << Shown(f).toStdString();
 }
 
-// Each check refuses the save with its own text, leaves the file alone and puts the cursor on
-// the field (or the tab) it is about.
+// Every field of the form saves at its largest value; one more is refused with the field's
+// message, the file is left alone and the cursor goes to the field (on its tab).
+TEST(MmssDoc, FormFieldsSaveUpToTheirLargestValue) {
+    const struct {
+        const char* file;
+        int tab;  // -1: a header field
+        const char* key;
+        const char* largest;
+        const char* onePast;
+        QString message;
+        int field;
+    } cases[] = {
+        {"sample.mspl", -1, "revision", "255", "256", "Invalid Mmss Revision Value. Range is 0 - 255", 0},
+        {"sample.mspl", -1, "version", "65535", "65536", "Invalid Mspl Version Value.Range is 0 - 65535", 1},
+        {"sample.mspl", 1, "id", "255", "256", "Invalid Mspl Id value in Tab 2The range is 0 - 255", 0},
+        {"sample.mlpl", -1, "revision", "255", "256", "Invalid Mmss Revision Value. Range is 0 - 255", 0},
+        {"sample.mlpl", -1, "version", "65535", "65536", "Invalid Mlpl Version Value. Range is 0 - 65535", 1},
+        {"sample.mlpl", -1, "id", "255", "256", "Invalid Mlpl Id Value. Range is 0 - 255", 2},
+        {"sample.mlpl", 2, "mcc", "999", "1000", Text(Msg::MccTabRange, {3, 0, 999}), 0},
+        {"sample.mlpl", 2, "mnc", "999", "1000", Text(Msg::MncTabRange, {3, 0, 999}), 1},
+        {"sample.mlpl", 2, "msplIndex", "255", "256", Text(Msg::MsplIndexTabRange, {3, 0, 255}), 2},
+        {"sample.Bst3Gpp", -1, "version", "65535", "65536", "Invalid Bst3Gpp Version Value.Range is 0 - 65535", 0},
+        {"sample.Bst3Gpp", 1, "mcc", "999", "1000", "Invalid Mcc value in Tab 2The range is 0 - 999", 2},
+        {"sample.tot", -1, "version", "65535", "65536", "Invalid Version Value.Range is 0 - 65535", 0},
+    };
+    AppFixture f;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + " " + c.key);
+        const QString path = CopySample(f, c.file);
+        MmssDocument* doc = Open(f, path);
+        ASSERT_NE(doc, nullptr);
+        auto set = [&](const char* value) {
+            c.tab < 0 ? doc->SetHeaderValue(c.key, value) : doc->SetTabValue(c.tab, c.key, value);
+        };
+        set(c.largest);
+        f.prompts.Clear();
+        ASSERT_TRUE(doc->DoFileSave()) << Shown(f).toStdString();
+        const QByteArray saved = FileBytes(path);
+
+        set(c.onePast);
+        QSignalSpy header(doc, &MmssDocument::focusHeaderField);
+        QSignalSpy tab(doc, &MmssDocument::focusTabField);
+        EXPECT_FALSE(doc->DoFileSave());
+        EXPECT_EQ(f.prompts.MessageTexts(), QStringList{c.message});
+        EXPECT_EQ(FileBytes(path), saved) << "a refused save wrote the file";
+        if (c.tab < 0) {
+            ASSERT_EQ(header.count(), 1);
+            EXPECT_EQ(header[0][0].toInt(), c.field);
+        } else {
+            ASSERT_EQ(tab.count(), 1);
+            EXPECT_EQ(tab[0][0].toInt(), c.tab);
+            EXPECT_EQ(tab[0][1].toInt(), c.field);
+            EXPECT_EQ(ViewOf(*doc)->Tabs()->currentIndex(), c.tab);
+        }
+        Close(f, doc);
+    }
+}
+
+// The checks that are not about a range: each refuses the save with its own text, leaves the
+// file alone and shows the tab it is about.
 TEST(MmssDoc, SaveChecksShowTheirMessageAndTab) {
     using Setup = std::function<void(MmssDocument&)>;
-    auto header = [](const char* key, const char* value) -> Setup {
-        return [=](MmssDocument& d) { d.SetHeaderValue(key, value); };
+    // A new tab whose message names no tab: the cursor still goes to it.
+    auto newBstTab = [](MmssDocument& d) {
+        d.AddTab();
+        d.SetTabValue(d.TabCount() - 1, "type", "2");
     };
-    // Adds a tab and sets one of its fields.
-    auto newTab = [](const char* key, const char* value) -> Setup {
+    auto cell = [](int tab, int row, int column, const char* text) -> Setup {
         return [=](MmssDocument& d) {
-            d.AddTab();
-            d.SetTabValue(d.TabCount() - 1, key, value);
+            GridModel& g = *d.Tab(tab).grid;
+            g.setData(g.index(row, column), text, Qt::EditRole);
         };
     };
+    // "Needs a record" waits until every grid has been read.
     auto emptyAllGrids = [](MmssDocument& d) {
         for (int t = 0; t < d.TabCount(); ++t) {
             GridModel& g = *d.Tab(t).grid;
@@ -172,44 +213,13 @@ TEST(MmssDoc, SaveChecksShowTheirMessageAndTab) {
         QString message;
         int tab;  // the tab shown afterwards, -1 when it does not matter
     } cases[] = {
-        {"sample.mspl", header("revision", ""), "Mmss Revision Value is Missing", -1},
-        {"sample.mspl", header("revision", "256"), "Invalid Mmss Revision Value. Range is 0 - 255", -1},
-        {"sample.mspl", header("version", "65536"), "Invalid Mspl Version Value.Range is 0 - 65535", -1},
+        {"sample.mspl", [](MmssDocument& d) { d.SetHeaderValue("revision", ""); }, "Mmss Revision Value is Missing", -1},
         {"sample.mspl", [](MmssDocument& d) { d.SetTabValue(1, "id", ""); }, "No Mspl Id entered in Tab 2", 1},
-        {"sample.mspl", [](MmssDocument& d) { d.SetTabValue(1, "id", "300"); },
-         "Invalid Mspl Id value in Tab 2The range is 0 - 255", 1},
         {"sample.mspl", emptyAllGrids, Text(Msg::NeedOneMsplRecord), -1},
-        {"sample.mlpl", header("id", "256"), "Invalid Mlpl Id Value. Range is 0 - 255", -1},
-        {"sample.mlpl", header("version", ""), "Mlpl Version Value is Missing", -1},
-        {"sample.mlpl", [](MmssDocument& d) { d.SetTabValue(2, "mcc", "1000"); },
-         "The value of MCC in Tab-3 is out of range.\nThe range for this input is 0 - 999", 2},
-        {"sample.mlpl", [](MmssDocument& d) { d.SetTabValue(1, "mnc", "1"); },
-         "Mnc value in Tab-2 is neither in 2-digit format nor in 3-digit format", 1},
-        {"sample.mlpl", [](MmssDocument& d) { d.SetTabValue(2, "msplIndex", ""); },
-         "MsplIndex field in Tab-3 is out of range or empty.\nThe range for this input is 0 - 255", 2},
-        {"sample.Bst3Gpp", header("version", ""), "Bst3Gpp Version Value is missing", -1},
-        {"sample.Bst3Gpp", [](MmssDocument& d) { d.SetTabValue(1, "mcc", "1000"); },
-         "Invalid Mcc value in Tab 2The range is 0 - 999", 1},
-        {"sample.Bst3Gpp", newTab("type", "2"), "Invalid Bst Type. Only Type1 is supported", 2},
-        {"sample.Bst3Gpp", newTab("extension", "1"),
-         "Invalid Bst ExtensionIncl. Only 0 is supported", 2},
-        {"sample.Bst3Gpp", emptyAllGrids, Text(Msg::NeedOneBstRecord), -1},
-        {"sample.tot", header("version", "70000"), "Invalid Version Value.Range is 0 - 65535", -1},
-        {"sample.tot",
-         [](MmssDocument& d) {
-             GridModel& g = *d.Tab(0).grid;
-             g.setData(g.index(1, 0), "EUTRAN", Qt::EditRole);
-         },
-         Text(231), -1},
-        {"sample.tot", emptyAllGrids, Text(Msg::NeedOneTotRecord), -1},
-        {"sample.oplmn", emptyAllGrids, Text(Msg::NeedOnePlmnRecord), -1},
+        {"sample.mspl", cell(1, 0, 2, ""), "A required value is missing in column 2, row 0 of the Mspl-Table.", 1},
+        {"sample.Bst3Gpp", newBstTab, "Invalid Bst Type. Only Type1 is supported", 2},
+        {"sample.tot", cell(0, 1, 0, "EUTRAN"), Text(Msg::RedundantRatIds), -1},
         {"sample.laf", emptyAllGrids, Text(Msg::NeedOneLafRecord), -1},
-        {"sample.mspl",
-         [](MmssDocument& d) {
-             GridModel& g = *d.Tab(1).grid;
-             g.setData(g.index(0, 2), "", Qt::EditRole);
-         },
-         "A required value is missing in column 2, row 0 of the Mspl-Table.", 1},
     };
     AppFixture f;
     for (const auto& c : cases) {
@@ -220,14 +230,10 @@ TEST(MmssDoc, SaveChecksShowTheirMessageAndTab) {
         c.setup(*doc);
         f.prompts.Clear();
         EXPECT_FALSE(doc->DoFileSave());
-        ASSERT_FALSE(f.prompts.messages.empty());
-        EXPECT_EQ(f.prompts.messages.front().text, c.message);
+        EXPECT_EQ(f.prompts.MessageTexts(), QStringList{c.message});
         EXPECT_EQ(FileBytes(path), FileBytes(kData + c.file)) << "a refused save wrote the file";
         if (c.tab >= 0) {
-            MmssView* view = ViewOf(*doc);
-            ASSERT_NE(view, nullptr);
-            ASSERT_NE(view->Tabs(), nullptr);
-            EXPECT_EQ(view->Tabs()->currentIndex(), c.tab);
+            EXPECT_EQ(ViewOf(*doc)->Tabs()->currentIndex(), c.tab);
         }
         Close(f, doc);
     }
@@ -239,11 +245,12 @@ TEST(MmssDoc, EmptyFilesAreNoticedAfterLoading) {
         const char* name;
         QByteArray bytes;
         unsigned message;
+        bool opens;
     } cases[] = {
-        {"empty.tot", QByteArray::fromHex("00050000"), Msg::NoTotRecordsInFile},
-        {"empty.mspl", QByteArray::fromHex("0007010007010500"), Msg::NoMsplRecordsInFile},
-        {"empty.mlpl", QByteArray::fromHex("00070100030900"), Msg::NoMlplRecordsInFile},
-        {"empty.Bst3Gpp", QByteArray::fromHex("00010000"), Msg::NoBstRecordsInFile},
+        {"empty.tot", QByteArray::fromHex("00050000"), Msg::NoTotRecordsInFile, true},
+        {"empty.mlpl", QByteArray::fromHex("00070100030900"), Msg::NoMlplRecordsInFile, true},
+        // A PLMN file too short for one record is not a PLMN list at all.
+        {"short.ehplmn", QByteArray::fromHex("13"), Msg::NoPlmnRecordsInFile, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -253,36 +260,30 @@ TEST(MmssDoc, EmptyFilesAreNoticedAfterLoading) {
         out.close();
         f.prompts.Clear();
         MmssDocument* doc = Open(f, f.Path(c.name));
-        ASSERT_NE(doc, nullptr) << f.prompts.MessageTexts().join("|").toStdString();
+        EXPECT_EQ(doc != nullptr, c.opens) << Shown(f).toStdString();
         EXPECT_EQ(f.prompts.MessageTexts(), QStringList{Text(c.message)});
-        Close(f, doc);
+        if (doc) Close(f, doc);
     }
-    // A PLMN file too short for one record is not a PLMN list at all.
-    QFile out(f.Path("short.ehplmn"));
-    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-    out.write(QByteArray::fromHex("13"));
-    out.close();
-    f.prompts.Clear();
-    EXPECT_EQ(Open(f, f.Path("short.ehplmn")), nullptr);
-    EXPECT_EQ(f.prompts.MessageTexts(), QStringList{Text(Msg::NoPlmnRecordsInFile)});
 }
 
+// An LTE Available cell refuses, as it is typed, what its field cannot hold.
 TEST(MmssDoc, LteAvailableEntriesAreCheckedAsTheyAreTyped) {
     AppFixture f;
     MmssDocument* doc = Open(f, CopySample(f, "sample.laf"));
     ASSERT_NE(doc, nullptr);
-    MmssView* view = ViewOf(*doc);
-    ASSERT_NE(view, nullptr);
-    GridView* grid = view->CurrentPage()->Grid();
-    const QString hint16 = "\n" + Text(235), hint8 = "\n" + Text(240);
+    GridView* grid = ViewOf(*doc)->CurrentPage()->Grid();
+    const QString hint16 = "\n" + Text(Msg::HintDecimal65535), hint8 = "\n" + Text(Msg::HintDecimal255);
     const struct {
         int column;
         const char* text;
         QString refusal;  // empty: accepted
     } cases[] = {
-        {0, "65535", ""},         {0, "65536", Text(236) + hint16},  {1, "abc", Text(237) + hint16},
-        {2, "-1", Text(238) + hint16}, {3, "255", ""},              {3, "256", Text(239) + hint8},
-        {1, "", Text(237) + hint16},
+        {0, "65535", ""}, {0, "65536", Text(Msg::SidNotNumeric) + hint16},
+        {1, "65535", ""}, {1, "65536", Text(Msg::NidNotNumeric) + hint16},
+        {2, "65535", ""}, {2, "65536", Text(Msg::BidNotNumeric) + hint16},
+        {3, "255", ""},   {3, "256", Text(Msg::CntNotNumeric) + hint8},
+        {0, "0", ""},     {1, "abc", Text(Msg::NidNotNumeric) + hint16},
+        {2, "-1", Text(Msg::BidNotNumeric) + hint16}, {1, "", Text(Msg::NidNotNumeric) + hint16},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.text) + " in column " + std::to_string(c.column));
@@ -292,13 +293,8 @@ TEST(MmssDoc, LteAvailableEntriesAreCheckedAsTheyAreTyped) {
         QLineEdit editor;
         editor.setText(c.text);
         grid->itemDelegate()->setModelData(&editor, grid->model(), index);
-        if (c.refusal.isEmpty()) {
-            EXPECT_TRUE(f.prompts.messages.empty());
-            EXPECT_EQ(index.data().toString(), c.text);
-        } else {
-            EXPECT_EQ(f.prompts.MessageTexts(), QStringList{c.refusal});
-            EXPECT_EQ(index.data().toString(), before);
-        }
+        EXPECT_EQ(f.prompts.MessageTexts(), c.refusal.isEmpty() ? QStringList{} : QStringList{c.refusal});
+        EXPECT_EQ(index.data().toString(), c.refusal.isEmpty() ? QString(c.text) : before);
     }
     Close(f, doc);
 }
@@ -307,7 +303,7 @@ TEST(MmssDoc, UndoAndRedoCoverCellsFieldsAndTabs) {
     AppFixture f;
     MmssDocument* doc = Open(f, CopySample(f, "sample.mspl"));
     ASSERT_NE(doc, nullptr);
-    QString original;
+    QString original, edited, undone, redone;
     ASSERT_TRUE(doc->GetPrintText(original));
 
     GridModel& grid = *doc->Tab(0).grid;
@@ -317,33 +313,24 @@ TEST(MmssDoc, UndoAndRedoCoverCellsFieldsAndTabs) {
     doc->AddTab();
     doc->RemoveTab(0);
     ASSERT_EQ(doc->TabCount(), 2);
-    QString edited;
     ASSERT_TRUE(doc->GetPrintText(edited));
-    EXPECT_NE(edited, original);
     EXPECT_TRUE(edited.contains("Id : 44"));
 
     while (doc->UndoStack().canUndo()) doc->UndoStack().undo();
-    QString undone;
     ASSERT_TRUE(doc->GetPrintText(undone));
     EXPECT_EQ(undone, original);
     EXPECT_FALSE(doc->IsModified());
     // The view follows: the header field shows the value back.
-    MmssView* view = ViewOf(*doc);
-    ASSERT_NE(view, nullptr);
-    EXPECT_EQ(view->HeaderField(1)->text(), "7");
-    EXPECT_EQ(view->Tabs()->count(), 2);
+    EXPECT_EQ(ViewOf(*doc)->HeaderField(1)->text(), "7");
+    EXPECT_EQ(ViewOf(*doc)->Tabs()->count(), 2);
 
     while (doc->UndoStack().canRedo()) doc->UndoStack().redo();
-    QString redone;
     ASSERT_TRUE(doc->GetPrintText(redone));
     EXPECT_EQ(redone, edited);
 
     // The main frame's Edit menu (Ctrl+Z) reaches an MMSS document as it does a roaming list.
-    CMainFrame* frame = f.app->MainFrame();
-    ASSERT_NE(frame, nullptr);
-    frame->UpdateCommands();
-    QAction* undoAction = frame->Action(Cmd::EditUndo);
-    ASSERT_NE(undoAction, nullptr);
+    f.app->MainFrame()->UpdateCommands();
+    QAction* undoAction = f.app->MainFrame()->Action(Cmd::EditUndo);
     ASSERT_TRUE(undoAction->isEnabled());
     undoAction->trigger();
     EXPECT_EQ(doc->TabCount(), 3);  // the last step, the removed tab, is back
@@ -366,81 +353,6 @@ TEST(MmssDoc, PlmnKindComesFromTheNameOrTheNewCommand) {
     EXPECT_EQ(doc->GridTitle(), "EHPLMN Records");
     EXPECT_EQ(doc->Tab(0).grid->columnCount(), 2);
     Close(f, doc);
-}
-
-// ---- The real program in command-line mode ------------------------------------------------------
-
-struct ProgramRun {
-    bool finished = false;
-    int exitCode = -1;
-    QString err;
-};
-
-ProgramRun RunTarn(const QStringList& args) {
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove("DISPLAY");
-    env.remove("WAYLAND_DISPLAY");
-    env.remove("QT_QPA_PLATFORM");
-    p.setProcessEnvironment(env);
-    p.start(TARN_APP_PATH, args);
-    ProgramRun r;
-    r.finished = p.waitForFinished(60000);
-    if (!r.finished) p.kill();
-    r.exitCode = p.exitCode();
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
-
-TEST(MmssCommandLine, TextAndCheckActionsWriteWhatTheEditorWould) {
-    QTemporaryDir dir;
-    const struct {
-        QString option, input, output;
-        QString expected;  // the file whose bytes the output must match
-    } cases[] = {
-        {"-f", "sample.mspl", "out.txt", "sample.mspl.txt"},
-        {"/f", "sample.oplmn", "oplmn.txt", "sample.oplmn.txt"},
-        {"-f", "sample.laf", "laf.txt", "sample.laf.txt"},
-        {"-c", "sample.tot", "copy.tot", "sample.tot"},
-        {"-c", "sample.Bst3Gpp", "copy.Bst3Gpp", "sample.Bst3Gpp"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE((c.option + " " + c.input).toStdString());
-        const ProgramRun r = RunTarn({c.option, kData + c.input, dir.filePath(c.output)});
-        ASSERT_TRUE(r.finished);
-        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-        EXPECT_EQ(FileBytes(dir.filePath(c.output)), FileBytes(kData + c.expected));
-    }
-}
-
-TEST(MmssCommandLine, FailedCheckWritesNothingAndSaysWhy) {
-    QTemporaryDir dir;
-    const QString in = dir.filePath("repeat.tot");
-    QFile f(in);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(QByteArray::fromHex("0005000209 09"));
-    f.close();
-    const ProgramRun r = RunTarn({"-c", in, dir.filePath("out.tot")});
-    ASSERT_TRUE(r.finished);
-    EXPECT_NE(r.exitCode, 0);
-    EXPECT_TRUE(r.err.contains(Text(231))) << r.err.toStdString();
-    EXPECT_FALSE(QFile::exists(dir.filePath("out.tot")));
-}
-
-TEST(MmssCommandLine, JsonFormIsWrittenAsTheBinaryFile) {
-    QTemporaryDir dir;
-    const QByteArray bytes = FileBytes(kData + "sample.tot");
-    auto doc = Mmss::FromBytes<TechOrder::Document>({bytes.begin(), bytes.end()});
-    nlohmann::json json;
-    doc->ToJson(json);
-    QFile f(dir.filePath("in.json"));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(QByteArray::fromStdString(json.dump()));
-    f.close();
-    const ProgramRun r = RunTarn({"-u", dir.filePath("in.json"), dir.filePath("out.tot")});
-    ASSERT_TRUE(r.finished);
-    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_EQ(FileBytes(dir.filePath("out.tot")), FileBytes(kData + "sample.tot"));
 }
 
 }  // namespace
