@@ -1,11 +1,11 @@
-// Runs the real tarn-cli binary with a fixed locale and an empty environment otherwise, and
-// captures what it printed and its exit status.
+// Runs the real tarn-cli binary with a fixed locale and an empty environment otherwise, captures
+// what it printed and its exit status, and holds what the command-line tests share.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -15,11 +15,29 @@
 
 namespace Tarn::Test {
 
+inline const std::string kExamples = TARN_EXAMPLES_DIR;
+inline const std::string kData = TARN_TEST_DATA_DIR;
+inline const std::string kMmss = kData + "/mmss/";
+inline const std::string kListA = kExamples + "/example-is683a.prl";
+inline const std::string kListE = kExamples + "/example-is683e.prl";
+inline const std::string kJsonE = kExamples + "/example-is683e.json";
+
 struct CliResult {
     int status = -1;
     std::string out;
     std::string err;
 };
+
+inline bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+inline std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
 
 inline std::string Slurp(const std::filesystem::path& p) {
     std::ifstream in(p, std::ios::binary);
@@ -38,6 +56,10 @@ inline void WriteBytes(const std::filesystem::path& p, const std::vector<uint8_t
     out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
+inline void WriteText(const std::filesystem::path& p, const std::string& text) {
+    std::ofstream(p, std::ios::binary) << text;
+}
+
 // A scratch folder removed when the test ends.
 class TempDir {
 public:
@@ -50,7 +72,7 @@ public:
         std::filesystem::remove_all(path_, ec);
     }
     std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-    const std::filesystem::path& path() const { return path_; }
+    std::string File(const std::string& name) const { return (path_ / name).string(); }
 
 private:
     std::filesystem::path path_;
@@ -88,6 +110,26 @@ inline CliResult RunCli(const std::vector<std::string>& args) {
     result.out = Slurp(outPath);
     result.err = Slurp(errPath);
     return result;
+}
+
+// Runs `args`, expecting the exit status `status` and every one of `parts` in what it printed
+// (stdout or stderr).
+inline CliResult Expect(const std::vector<std::string>& args, int status,
+                        const std::vector<std::string>& parts = {}) {
+    std::string line = "tarn-cli";
+    for (const auto& a : args) line += " " + a;
+    CliResult r = RunCli(args);
+    EXPECT_EQ(r.status, status) << line << "\n" << r.out << r.err;
+    for (const auto& part : parts)
+        EXPECT_TRUE(Has(r.out + r.err, part)) << line << "\n" << part << "\n" << r.out << r.err;
+    return r;
+}
+
+// The two example lists joined into one concatenated file, IS-683A first.
+inline std::string JoinedExamples(const TempDir& dir) {
+    const std::string joined = dir.File("joined.prl");
+    EXPECT_EQ(RunCli({"join", kListA, kListE, "-o", joined}).status, 0);
+    return joined;
 }
 
 }  // namespace Tarn::Test

@@ -7,56 +7,40 @@
 namespace Tarn {
 namespace {
 
-TEST(FormatText, Conversions) {
+TEST(FormatText, ConversionsWidthsAndWhatIsLeftAlone) {
     const struct {
-        const char* format;
         std::string out;
         std::string expected;
     } cases[] = {
-        {"%d", FormatText("%d", {-5}), "-5"},
-        {"%u of -1", FormatText("%u", {-1}), "4294967295"},
-        {"%u", FormatText("%u", {7u}), "7"},
-        {"%s", FormatText("<%s>", {"abc"}), "<abc>"},
-        {"%03u", FormatText("%03u", {7}), "007"},
-        {"%02u", FormatText("%02u", {5}), "05"},
-        {"%02u wider", FormatText("%02u", {123}), "123"},
-        {"%X", FormatText("%X", {0xBEEF}), "BEEF"},
-        {"%X of -1", FormatText("%X", {-1}), "FFFFFFFF"},
-        {"%04X", FormatText("%04X", {0x1F}), "001F"},
-        {"%ld", FormatText("%ld", {1234567890123LL}), "1234567890123"},
-        {"%%", FormatText("%d%%", {50}), "50%"},
-        {"number as %s", FormatText("%s", {42}), "42"},
-        {"text as %d", FormatText("%d", {"txt"}), "txt"},
-        {"in order", FormatText("%s=%d, %s=%d", {"a", 1, "b", 2}), "a=1, b=2"},
+        {FormatText("%d", {-5}), "-5"},
+        {FormatText("%i|%u", {7, -1}), "7|4294967295"},  // %u of a negative int: its 32-bit form
+        {FormatText("<%s>", {"abc"}), "<abc>"},
+        {FormatText("%03u|%9d|%-3d|", {7, 5, 1}), "007|        5|1  |"},
+        {FormatText("%02u", {123}), "123"},
+        {FormatText("%X|%x|%04X", {0xBEEF, 0xBEEF, 0x1F}), "BEEF|beef|001F"},
+        {FormatText("%X", {-1}), "FFFFFFFF"},
+        {FormatText("%ld|%hd", {1234567890123LL, 3}), "1234567890123|3"},
+        {FormatText("%d%%", {50}), "50%"},
+        {FormatText("%s|%d", {42, "txt"}), "42|txt"},  // each argument as it is, whatever the conversion
+        {FormatText("a %d b %s", {1}), "a 1 b %s"},    // missing arguments leave their conversion
+        {FormatText("100%", {1}), "100%"},              // a stray percent at the end or before another
+        {FormatText("%q %d", {1}), "%q 1"},             // letter is kept and takes no argument
     };
-    for (const auto& c : cases) EXPECT_EQ(c.out, c.expected) << c.format;
+    for (const auto& c : cases) EXPECT_EQ(c.out, c.expected);
 }
 
-TEST(FormatText, MissingArgumentsAndStrayPercentsAreKept) {
-    EXPECT_EQ(FormatText("a %d b %s", {1}), "a 1 b %s");
-    EXPECT_EQ(FormatText("%d - %d", {}), "%d - %d");
-    EXPECT_EQ(FormatText("100%", {1}), "100%");
-    EXPECT_EQ(FormatText("%q", {1}), "%q");
-}
-
-TEST(MessageTable, TextsByNumber) {
-    EXPECT_EQ(MessageText(Msg::FileInvalid), "The Roaming List file is invalid.");
-    EXPECT_EQ(MessageText(Msg::NeedOneAcqRecord),
-              "A vallid Roaming List needs at least one acquisiiton record.");
-    EXPECT_EQ(FormatMessage(Msg::RequiredValueMissing, {2, 3, "System Table"}),
-              "A required value is missing in column 2, row 3 of the System Table.");
+TEST(MessageTable, TextsByNumberFromTheFirstToTheLast) {
+    EXPECT_EQ(MessageText(128), "Tarn Roaming List Editor");
+    EXPECT_EQ(MessageText(Msg::VersionNotSupported), "Version input is not supported.");  // the last one
     EXPECT_EQ(FormatMessage(Msg::OutOfRange, {1, 4, "Acquisition Table", 0, 2047}),
               "The value in column 1, row 4 of the Acquisition Table is out of range.\n"
               "The range for this input is 0 - 2047");
-    EXPECT_EQ(FormatMessage(Msg::ChannelGap, {6}),
-              "At least one gap was detected between channels in record 6 of the ACQ table. ");
-    EXPECT_EQ(
-        FormatMessage(Msg::MncTabRange, {2, 0, 999}),
-        "The value of MNC in Tab-2 is out of range.\nThe range for this input is 0 - 999 or FFF");
+    for (unsigned absent : {0u, 127u, 131u, 61462u}) {
+        EXPECT_FALSE(HasMessage(absent)) << absent;
+        EXPECT_EQ(MessageText(absent), "") << absent;
+        EXPECT_EQ(FormatMessage(absent, {1}), "") << absent;
+    }
     EXPECT_TRUE(HasMessage(Msg::VersionNotSupported));
-    EXPECT_FALSE(HasMessage(131));
-    EXPECT_EQ(MessageText(131), "");
-    EXPECT_EQ(FormatMessage(131, {1}), "");
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// Path texts: the volume and segments of what is accepted, and the refusal of what is not.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -16,10 +17,12 @@ TEST(Path, AcceptedPathsSplitIntoVolumeAndSegments) {
         std::vector<std::string> segments;
     } cases[] = {
         {"C:\\data\\list.prl", "C:\\", {"data", "list.prl"}},
-        {"c:/data", "c:/", {"data"}},
-        {"C:", "C:", {}},
+        {"A:", "A:", {}},  // the drive letters from A to Z, in either case
+        {"Z:/x", "Z:/", {"x"}},
+        {"a:", "a:", {}},
+        {"z:", "z:", {}},
         {"\\\\server\\share\\dir\\f", "\\\\server\\share", {"dir", "f"}},
-        {"//server/share", "//server/share", {}},
+        {"//s/share", "//s/share", {}},
         {"/a//b/", "/", {"a", "b"}},
         {"\\a", "\\", {"a"}},
         {"a\\..\\b\\.", "", {"a", "..", "b", "."}},
@@ -43,27 +46,21 @@ TEST(Path, RefusalsCarryTheMessageAndThePath) {
         std::string message;
     } cases[] = {
         {"1:\\x", "Malformed Volume"},
+        {"@:", "Malformed Volume"},  // the characters either side of the letters
+        {"[:", "Malformed Volume"},
+        {"`:", "Malformed Volume"},
+        {"{:", "Malformed Volume"},
         {"C:x", "Malformed Volume"},
         {"\\\\", "Malformed Volume"},
         {"\\\\server", "Malformed Volume"},
         {"\\\\server\\", "Malformed Volume"},
         {"\\\\\\share", "Malformed Volume"},
         {"a\\...\\b", "... is illegal"},
-        {"...", "... is illegal"},
         {"..x", "..<anything> is illegal"},
         {"C:\\a\\....", "..<anything> is illegal"},
         {"ab:c", forbidden},
         {"C:\\a:b", forbidden},
         {"\\\\ser*ver\\share", forbidden},
-        {"a*", forbidden},
-        {"a?", forbidden},
-        {"a\"b", forbidden},
-        {"<", forbidden},
-        {">", forbidden},
-        {"a|b", forbidden},
-        {"a\rb", forbidden},
-        {"a\nb", forbidden},
-        {"a\bb", forbidden},
         {std::string("a\0b", 3), forbidden},
     };
     for (const auto& c : cases) {
@@ -77,16 +74,6 @@ TEST(Path, RefusalsCarryTheMessageAndThePath) {
             EXPECT_EQ(e.inPathString(), c.message + ": in path string");
         }
     }
-}
-
-TEST(Path, FindRootReportsHowMuchIsVolume) {
-    using Parser = System::Private::PathStringParser<System::Win32::PathTraits>;
-    std::string root;
-    EXPECT_EQ(Parser::findRoot("\\\\srv\\sh\\x", root), 8u);
-    EXPECT_EQ(root, "\\\\srv\\sh");
-    EXPECT_EQ(Parser::findRoot("rel\\x", root), 0u);
-    EXPECT_EQ(root, "");
-    EXPECT_THROW(Parser::findRoot("\\\\srv", root), Lang::Exception);
 }
 
 }  // namespace

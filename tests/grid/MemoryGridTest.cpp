@@ -17,17 +17,15 @@ std::vector<std::string> FirstColumn(const MemoryGrid& g) {
 
 MemoryGrid Lettered(int rows) {
     MemoryGrid g("T", 3, rows);
-    for (int row = 0; row < rows; ++row)
-        g.SetCellText(0, row, std::string(1, static_cast<char>('a' + row)));
+    for (int row = 0; row < rows; ++row) g.SetCellText(0, row, std::string(1, static_cast<char>('a' + row)));
     return g;
 }
 
-TEST(MemoryGrid, StoresOnlyTouchedCellsOfAFullSizeGrid) {
+TEST(MemoryGrid, StoresOnlyTouchedCellsInsideTheGrid) {
     MemoryGrid g("System Table", 300, 16383);
     g.SetCellText(0, 0, "x");
-    g.SetCellText(299, 16382, "y");
+    g.SetCellText(299, 16382, "y");  // the last cell
     g.SetCellCheckBox(5, 100);
-    EXPECT_EQ(g.StoredCellCount(), 3u);
     EXPECT_EQ(g.GetCellText(299, 16382), "y");
     EXPECT_EQ(g.GetCellText(150, 8000), "");
     EXPECT_EQ(g.StoredCellCount(), 3u);  // reading creates nothing
@@ -42,6 +40,14 @@ TEST(MemoryGrid, StoresOnlyTouchedCellsOfAFullSizeGrid) {
         EXPECT_EQ(g.GetCellText(c.column, c.row), "");
     }
     EXPECT_EQ(g.StoredCellCount(), 3u);
+    for (int column : {-1, 300}) {
+        g.SetColumnHeading(column, "outside");
+        EXPECT_EQ(g.GetColumnHeading(column), "");
+    }
+    g.SetColumnHeading(299, "last");
+    EXPECT_EQ(g.GetColumnHeading(299), "last");
+    g.SetTableName("Acquisition Table");
+    EXPECT_EQ(g.GetTableName(), "Acquisition Table");
 }
 
 TEST(MemoryGrid, InsertAndRemoveRowsMoveWholeRows) {
@@ -53,26 +59,11 @@ TEST(MemoryGrid, InsertAndRemoveRowsMoveWholeRows) {
         {"insert in the middle", [](MemoryGrid& g) { g.InsertRow(1); }, {"a", "", "b", "c"}},
         {"insert at the top", [](MemoryGrid& g) { g.InsertRow(0); }, {"", "a", "b", "c"}},
         {"append", [](MemoryGrid& g) { g.InsertRow(3); }, {"a", "b", "c", ""}},
-        {"insert out of range",
-         [](MemoryGrid& g) {
-             g.InsertRow(4);
-             g.InsertRow(-1);
-         },
-         {"a", "b", "c"}},
+        {"insert out of range", [](MemoryGrid& g) { g.InsertRow(4), g.InsertRow(-1); }, {"a", "b", "c"}},
         {"remove the first", [](MemoryGrid& g) { g.RemoveRow(0); }, {"b", "c"}},
         {"remove the last", [](MemoryGrid& g) { g.RemoveRow(2); }, {"a", "b"}},
-        {"remove out of range",
-         [](MemoryGrid& g) {
-             g.RemoveRow(3);
-             g.RemoveRow(-1);
-         },
-         {"a", "b", "c"}},
-        {"remove then insert",
-         [](MemoryGrid& g) {
-             g.RemoveRow(1);
-             g.InsertRow(1);
-         },
-         {"a", "", "c"}},
+        {"remove out of range", [](MemoryGrid& g) { g.RemoveRow(3), g.RemoveRow(-1); }, {"a", "b", "c"}},
+        {"remove then insert", [](MemoryGrid& g) { g.RemoveRow(1), g.InsertRow(1); }, {"a", "", "c"}},
     };
     for (const auto& c : cases) {
         MemoryGrid g = Lettered(3);
@@ -80,12 +71,11 @@ TEST(MemoryGrid, InsertAndRemoveRowsMoveWholeRows) {
         c.edit(g);
         EXPECT_EQ(FirstColumn(g), c.column0) << c.name;
         for (int row = 0; row < g.GetRowCount(); ++row)
-            EXPECT_EQ(g.GetCellKind(2, row) == CellKind::CheckBox, g.GetCellText(0, row) == "c")
-                << c.name << " row " << row;
+            EXPECT_EQ(g.GetCellKind(2, row) == CellKind::CheckBox, g.GetCellText(0, row) == "c") << c.name << row;
     }
 }
 
-TEST(MemoryGrid, ShrinkingDropsCellsAndGrowingBringsNoneBack) {
+TEST(MemoryGrid, ShrinkingAndClearingDropCellsForGood) {
     MemoryGrid g = Lettered(3);
     g.SetCellText(2, 0, "far");
     g.SetColumnCount(2);
@@ -93,8 +83,16 @@ TEST(MemoryGrid, ShrinkingDropsCellsAndGrowingBringsNoneBack) {
     g.SetColumnCount(3);
     g.SetRowCount(3);
     EXPECT_EQ(g.GetCellText(2, 0), "");
-    EXPECT_EQ(g.GetCellText(0, 2), "");
     EXPECT_EQ(FirstColumn(g), (std::vector<std::string>{"a", "b", ""}));
+
+    for (int column = 0; column < 3; ++column) g.SetCellCheckBox(column, 1);
+    g.ClearRow(1, 1);  // from column 1 on
+    EXPECT_EQ(g.GetCellKind(0, 1), CellKind::CheckBox);
+    EXPECT_EQ(g.GetCellKind(1, 1), CellKind::Edit);
+    g.ClearRow(0);
+    g.ClearRow(5);
+    EXPECT_EQ(g.StoredCellCount(), 1u);
+
     g.SetRowCount(-4);
     g.SetColumnCount(-1);
     EXPECT_EQ(g.GetRowCount(), 0);
@@ -102,10 +100,9 @@ TEST(MemoryGrid, ShrinkingDropsCellsAndGrowingBringsNoneBack) {
     EXPECT_EQ(g.StoredCellCount(), 0u);
 }
 
-TEST(MemoryGrid, CellKindsReplaceEachOther) {
+TEST(MemoryGrid, CellKindsReplaceEachOtherAndKeepTheText) {
     MemoryGrid g("T", 2, 1);
     EXPECT_EQ(g.GetCellKind(0, 0), CellKind::Edit);
-    EXPECT_EQ(g.GetCellMask(0, 0), "");
     EXPECT_EQ(g.GetCellChoices(0, 0), nullptr);
 
     const ChoiceList bands = MakeChoices({"PCS", "Cellular"});
@@ -117,45 +114,14 @@ TEST(MemoryGrid, CellKindsReplaceEachOther) {
 
     g.SetCellText(0, 0, "1");
     g.SetCellCheckBox(0, 0);
-    EXPECT_EQ(g.GetCellKind(0, 0), CellKind::CheckBox);
     EXPECT_EQ(g.GetCellChoices(0, 0), nullptr);
-    EXPECT_TRUE(g.IsCellChecked(0, 0));  // changing the kind keeps the text
+    EXPECT_TRUE(g.IsCellChecked(0, 0));
     g.SetCellText(0, 0, "0");
     EXPECT_FALSE(g.IsCellChecked(0, 0));
-
     g.SetCellEdit(0, 0, "AAA");
     EXPECT_EQ(g.GetCellKind(0, 0), CellKind::Edit);
     EXPECT_EQ(g.GetCellMask(0, 0), "AAA");
-}
-
-TEST(MemoryGrid, ClearRowFromAColumnOn) {
-    MemoryGrid g("T", 4, 2);
-    for (int column = 0; column < 4; ++column) {
-        g.SetCellText(column, 0, std::to_string(column));
-        g.SetCellCheckBox(column, 0);
-    }
-    g.SetCellText(0, 1, "keep");
-    g.ClearRow(0, 2);
-    EXPECT_EQ(g.GetCellText(1, 0), "1");
-    EXPECT_EQ(g.GetCellText(2, 0), "");
-    EXPECT_EQ(g.GetCellKind(3, 0), CellKind::Edit);
-    g.ClearRow(0);
-    g.ClearRow(5);
-    EXPECT_EQ(g.StoredCellCount(), 1u);
-    EXPECT_EQ(g.GetCellText(0, 1), "keep");
-}
-
-TEST(MemoryGrid, HeadingsAndTableName) {
-    MemoryGrid g("Acquisition Table", 2, 0);
-    g.SetColumnHeading(0, "Acq Index");
-    g.SetColumnHeading(2, "outside");
-    g.SetColumnHeading(-1, "outside");
-    EXPECT_EQ(g.GetColumnHeading(0), "Acq Index");
-    EXPECT_EQ(g.GetColumnHeading(1), "");
-    EXPECT_EQ(g.GetColumnHeading(2), "");
-    EXPECT_EQ(g.GetTableName(), "Acquisition Table");
-    g.SetTableName("System Table");
-    EXPECT_EQ(g.GetTableName(), "System Table");
+    EXPECT_EQ(g.GetCellText(0, 0), "0");
 }
 
 }  // namespace
