@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -81,60 +82,62 @@ std::unique_ptr<T> Make(int code, int version = 5) {
     return std::unique_ptr<T>(typed);
 }
 
+using Maker = std::function<std::unique_ptr<CAcqItem>()>;
+
+// Makes a record of type `code` for `version` and lets `set` fill it in.
+template <typename T>
+Maker With(int code, int version, std::function<void(T&)> set) {
+    return [=] {
+        auto item = Make<T>(code, version);
+        set(*item);
+        return std::unique_ptr<CAcqItem>(std::move(item));
+    };
+}
+
 // The record's bytes in the long framing (or in the short one when `version` < 3): what two
 // records are compared by.
 inline std::string Bytes(const CRLItem& item, int version = 5) {
     return WriteRecord(item, version).hex;
 }
 
+// The fields of a record line split at its tabs.
+inline std::vector<std::string> Fields(const std::string& text) {
+    std::vector<std::string> fields;
+    std::istringstream in(text);
+    for (std::string field; std::getline(in, field, '\t');) fields.push_back(field);
+    return fields;
+}
+
 // One valid record of every type, none left at its defaults; nothing hidden from the grid.
 inline std::vector<std::unique_ptr<CAcqItem>> SampleRecords() {
+    const std::vector<std::pair<int, std::string>> texts = {
+        {1, "Both"},
+        {4, "B"},
+        {2, "B\tSec"},
+        {7, "B\tSec"},
+        {3, "25\t799\t1100"},
+        {6, "25\t799\t1100"},
+        {8, "25\t799\t1100"},
+        {9, "25\t799\t1100"},
+        {5, "A\tF\tAny"},
+        {10, "1\t25\t3\t1600\t15\t2047"},
+        {11, "17\t1459\t0\t283"},
+        {12, "0\t8\t3"},
+        {13, "0\tUARFCN_INCL_YES\t10700\t11\tUARFCN_INCL_NO\t4\tUARFCN_INCL_YES\t0"},
+        {14,
+         "1\t9\t2\t249\tUARFCN_PRESENT\t65535\t45\tUARFCN_NOT_PRESENT\t5\t1\t0\tUARFCN_PRESENT\t"
+         "10700"},
+        {15,
+         "3\t1\t8\tUARFCN_PRESENT\t512\t5\t1\t11\tUARFCN_NOT_PRESENT\t9\t2\t62\tUARFCN_PRESENT\t"
+         "65000\t0\tUARFCN_PRESENT\t0"},
+        {16, "13\t100\t5\t128\t4\t0\t0\t2047\t0\t1023\t0\t0"},
+        {253, "3"},
+    };
     std::vector<std::unique_ptr<CAcqItem>> out;
-    auto analog = Make<CAcqItemCellularAnalog>(1);
-    analog->SetSystem(3);
-    out.push_back(std::move(analog));
-    auto preferred = Make<CAcqItemCellularAnalog>(4);
-    preferred->SetSystem(1);
-    out.push_back(std::move(preferred));
-    for (int code : {2, 7}) {
-        auto standard = Make<CAcqItemCellularCdmaStandard>(code);
-        standard->SetSystem(1);
-        standard->SetChannel(2);
-        out.push_back(std::move(standard));
+    for (const auto& [code, text] : texts) {
+        out.push_back(CreateAcqItem(code, 5));
+        out.back()->FromText(Fields(text));
     }
-    for (int code : {3, 6, 8, 9}) {
-        auto custom = Make<CAcqItemCellularCdmaCustom>(code);
-        custom->SetChannels({25, 799, 1100});
-        out.push_back(std::move(custom));
-    }
-    auto blocks = Make<CAcqItemPcsCdmaBlocks>(5);
-    blocks->SetBlocks({0, 5, 7});
-    out.push_back(std::move(blocks));
-    auto cdma = Make<CAcqItemGenericCdma>(10);
-    cdma->SetPairs({{1, 25}, {3, 1600}, {15, 2047}});
-    out.push_back(std::move(cdma));
-    auto hdr = Make<CAcqItemGenericCdma>(11);
-    hdr->SetPairs({{17, 1459}, {0, 283}});
-    out.push_back(std::move(hdr));
-    auto gsm = Make<CAcqItemGenericGsm>(12);
-    gsm->SetBands({0, 8, 3});
-    out.push_back(std::move(gsm));
-    auto umts = Make<CAcqItemGenericUmts>(13);
-    umts->SetEntries({{0, 10700}, {11, std::nullopt}, {4, 0}});
-    out.push_back(std::move(umts));
-    auto gpp = Make<AcqItem3GPPGeneric>(14);
-    gpp->Technologies().technologies = {{9, {{249, 65535}, {45, std::nullopt}}}, {5, {{0, 10700}}}};
-    out.push_back(std::move(gpp));
-    auto gwl = Make<AcqItemGenericGwl>(15);
-    gwl->Technologies().technologies = {
-        {3, {{8, 512}}}, {5, {{11, std::nullopt}}}, {9, {{62, 66000 - 1000}, {0, 0}}}};
-    out.push_back(std::move(gwl));
-    auto umb = Make<CAcqItemGenericUmb>(16);
-    umb->SetEntries({{13, 100, 5, 128, 4, 0}, {0, 2047, 0, 1023, 0, 0}});
-    out.push_back(std::move(umb));
-    auto special = Make<CAcqItemSpecial>(253);
-    special->SetData(std::vector<uint8_t>(3, 0));
-    out.push_back(std::move(special));
     return out;
 }
 

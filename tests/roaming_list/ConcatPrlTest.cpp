@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "roaming_list/AcqItem.h"
 #include "roaming_list/ConcatPrl.h"
 #include "roaming_list/RLManager.h"
+#include "tests/roaming_list/ListSamples.h"
 #include "tests/support/ListBytes.h"
 
 namespace Tarn {
@@ -19,31 +19,33 @@ namespace fs = std::filesystem;
 
 // An empty version 1 list: 8 header bytes and the CRC.
 std::vector<uint8_t> TenByteList(uint16_t id) {
-    return Tarn::Test::Seal(Tarn::Test::PackBits({{16, 0}, {16, id}, {1, 1}, {8, 0x40}, {9, 0}, {14, 0}}));
+    return Tarn::Test::Seal(
+        Tarn::Test::PackBits({{16, 0}, {16, id}, {1, 1}, {8, 0x40}, {9, 0}, {14, 0}}));
 }
 
-// One custom cellular record of six channels (75 bits) after the 64-bit header: 18 bytes and CRC.
-std::vector<uint8_t> TwentyByteList() {
-    CRLManagerA manager;
-    auto custom = CreateAcqItem(3, 1);
-    custom->FromText({"1", "2", "3", "4", "5", "6"});
-    manager.GetData().GetAcqTable().Items().Add(std::move(custom));
-    CRLFile file;
-    EXPECT_TRUE(manager.WriteList(file));
-    return file.Bytes();
+// Sets the 16-bit word at `at` and makes the outer CRC right again.
+std::vector<uint8_t> WithWord(std::vector<uint8_t> bytes, size_t at, uint16_t word) {
+    bytes[at] = static_cast<uint8_t>(word >> 8);
+    bytes[at + 1] = static_cast<uint8_t>(word);
+    const uint16_t crc = Crc16(bytes.data(), bytes.size() - 2);
+    bytes[bytes.size() - 2] = static_cast<uint8_t>(crc >> 8);
+    bytes[bytes.size() - 1] = static_cast<uint8_t>(crc);
+    return bytes;
 }
 
 class ConcatPrlFiles : public ::testing::Test {
 protected:
     void SetUp() override {
-        dir_ = fs::temp_directory_path() / ("tarn-concat-" + std::to_string(std::random_device{}()));
+        dir_ =
+            fs::temp_directory_path() / ("tarn-concat-" + std::to_string(std::random_device{}()));
         fs::create_directories(dir_);
     }
     void TearDown() override { fs::remove_all(dir_); }
 
     fs::path Put(const std::string& name, const std::vector<uint8_t>& bytes) {
         std::ofstream(dir_ / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
         return dir_ / name;
     }
     fs::path Path(const std::string& name) const { return dir_ / name; }
@@ -51,8 +53,7 @@ protected:
         std::ifstream in(dir_ / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
-    template <typename Operation>
-    static std::string ErrorOf(Operation operation) {
+    static std::string ErrorOf(const std::function<void()>& operation) {
         try {
             operation();
         } catch (const ConcatPrlException& e) {
@@ -66,7 +67,8 @@ protected:
 
 TEST_F(ConcatPrlFiles, JoinCopiesBothListsAndSplitGivesThemBack) {
     const std::vector<uint8_t> first = TenByteList(0x1111);
-    const std::vector<uint8_t> second = TwentyByteList();
+    const std::vector<uint8_t> second =
+        ListSamples::Binary(*ListSamples::List(1, {"3\t1\t2\t3\t4\t5\t6"}, {}), 1);
     ASSERT_EQ(second.size(), 20u);
     Put("joined.prl", std::vector<uint8_t>(500, 0xEE));  // replaced, not appended to
     JoinPrl(Put("a.prl", first), Put("b.prl", second), Path("joined.prl"));
@@ -100,29 +102,27 @@ TEST_F(ConcatPrlFiles, JoinCopiesBothListsAndSplitGivesThemBack) {
     EXPECT_FALSE(fs::exists(Path("x")));
 }
 
-TEST(CheckConcatenatedPrl, ShortBuffersAndSizeFieldsThatDoNotAddUp) {
-    auto sealed = [](std::vector<uint8_t> v) { return Tarn::Test::Seal(std::move(v)); };  // outer CRC
-    const std::vector<uint8_t> tiny[] = {{}, {0x00}, {0xFF, 0xFF}};
-    for (const auto& bytes : tiny) {
+// Size words that do not add up to the file, under a good outer CRC, are refused before any
+// inner CRC is computed over them.
+TEST(CheckConcatenatedPrl, ShortBuffersAndSizeWordsThatDoNotAddUp) {
+    for (const std::vector<uint8_t>& bytes : {std::vector<uint8_t>{}, {0x00}, {0xFF, 0xFF}}) {
         size_t s1 = 0;
-        EXPECT_FALSE(CheckConcatenatedPrl(bytes.empty() ? nullptr : bytes.data(), bytes.size(), s1));
+        EXPECT_FALSE(
+            CheckConcatenatedPrl(bytes.empty() ? nullptr : bytes.data(), bytes.size(), s1));
     }
-    // Seal() writes the whole length in front, which is never a valid first size: patch it.
-    auto withFirstSize = [&](uint16_t s1, std::vector<uint8_t> body) {
-        body[0] = static_cast<uint8_t>(s1 >> 8);
-        body[1] = static_cast<uint8_t>(s1);
-        const uint16_t crc = Crc16(body.data(), body.size() - 2);
-        body[body.size() - 2] = static_cast<uint8_t>(crc >> 8);
-        body[body.size() - 1] = static_cast<uint8_t>(crc);
-        return body;
-    };
-    std::vector<uint8_t> addsUp = sealed(std::vector<uint8_t>(20, 0));
-    addsUp[11] = 10;  // 10 + 10 + 2 bytes, but neither inner CRC is sealed
-    for (uint16_t s1 : {0, 1, 9, 10, 11}) {
+    // 10 + 10 + 2 bytes whose inner CRCs are not sealed, with the first size word set to s1.
+    const std::vector<uint8_t> addsUp = WithWord(std::vector<uint8_t>(22, 0), 10, 10);
+    for (uint16_t s1 : {0, 1, 9, 10, 11, 18, 19, 20, 0xFFFF}) {
         size_t out = 0;
-        const auto bytes = withFirstSize(s1, addsUp);
+        const auto bytes = WithWord(addsUp, 0, s1);
         EXPECT_FALSE(CheckConcatenatedPrl(bytes.data(), bytes.size(), out)) << s1;
     }
+    // A first size word of 1 makes the second one 0x0100: a file of 1 + 256 + 2 bytes adds up,
+    // but its first list is too short to hold its own CRC.
+    const std::vector<uint8_t> one = WithWord(std::vector<uint8_t>(259, 0), 1, 0x0100);
+    size_t out = 7;
+    EXPECT_FALSE(CheckConcatenatedPrl(one.data(), one.size(), out));
+    EXPECT_EQ(out, 7u);
 }
 
 TEST_F(ConcatPrlFiles, RefusalsOfJoinAndSplit) {
@@ -133,37 +133,45 @@ TEST_F(ConcatPrlFiles, RefusalsOfJoinAndSplit) {
     std::vector<uint8_t> badCrc = TenByteList(5);
     badCrc.back() ^= 1;
     const fs::path corrupt = Put("corrupt.prl", badCrc);
-    const fs::path huge = Put("huge.prl", std::vector<uint8_t>(70000, 0));
     const fs::path prefixed = Put("prefixed.prl", Tarn::Test::Prefix(TenByteList(3)));
+    // The largest list a reader takes is 65535 bytes behind a 5-byte prefix; a byte more is too
+    // large to be a list.
+    const std::vector<uint8_t> largest =
+        Tarn::Test::Prefix(ListSamples::Binary(*ListSamples::ListOfSize(0xFFFF), 3));
+    ASSERT_EQ(largest.size(), 0xFFFFu + 5);
+    const fs::path mostAllowed = Put("largest.prl", largest);
+    std::vector<uint8_t> oneMore = largest;
+    oneMore.push_back(0);
+    const fs::path tooLarge = Put("huge.prl", oneMore);
     const fs::path missing = Path("missing.prl");
     const fs::path noFolder = Path("no/such/folder/out.prl");
     JoinPrl(prefixed, good, Path("withPrefix.prl"));  // copied as it is, so no longer splittable
     JoinPrl(good, good, Path("j.prl"));
+    JoinPrl(mostAllowed, good, Path("large.prl"));
+    EXPECT_EQ(Get("large.prl").size(), largest.size() + 10 + 2);
 
     struct Case {
         const char* name;
         std::function<void()> operation;
         std::string error;
-    } cases[] = {
+    };
+    // clang-format off
+    const std::vector<Case> cases = {
         {"first missing", [&] { JoinPrl(missing, good, Path("o")); }, "Error opening first input file."},
-        {"text first", [&] { JoinPrl(textList, good, Path("o")); },
-         "First input file is not a valid roaming list file."},
-        {"text second", [&] { JoinPrl(good, textList, Path("o")); },
-         "Second input file is not a valid roaming list file."},
-        {"binary under .txt", [&] { JoinPrl(binaryNamedTxt, good, Path("o")); },
-         "First input file is not a valid roaming list file."},
-        {"bad CRC second", [&] { JoinPrl(good, corrupt, Path("o")); },
-         "Second input file is not a valid roaming list file."},
-        {"too large first", [&] { JoinPrl(huge, good, Path("o")); },
-         "First input file is not a valid roaming list file."},
+        {"second missing", [&] { JoinPrl(good, missing, Path("o")); }, "Error opening second input file."},
+        {"text first", [&] { JoinPrl(textList, good, Path("o")); }, "First input file is not a valid roaming list file."},
+        {"text second", [&] { JoinPrl(good, textList, Path("o")); }, "Second input file is not a valid roaming list file."},
+        {"binary under .txt", [&] { JoinPrl(binaryNamedTxt, good, Path("o")); }, "First input file is not a valid roaming list file."},
+        {"bad CRC second", [&] { JoinPrl(good, corrupt, Path("o")); }, "Second input file is not a valid roaming list file."},
+        {"too large first", [&] { JoinPrl(tooLarge, good, Path("o")); }, "First input file is not a valid roaming list file."},
+        {"too large second", [&] { JoinPrl(good, tooLarge, Path("o")); }, "Second input file is not a valid roaming list file."},
         {"output not writable", [&] { JoinPrl(good, good, noFolder); }, "Error writing output file."},
-        {"split input missing", [&] { SplitPrl(missing, Path("o"), Path("p")); },
-         "Error opening input file."},
+        {"split input missing", [&] { SplitPrl(missing, Path("o"), Path("p")); }, "Error opening input file."},
         {"split prefixed join", [&] { SplitPrl(Path("withPrefix.prl"), Path("o"), Path("p")); },
          "Input file is not a valid Concatenated PRL file."},
-        {"split first output", [&] { SplitPrl(Path("j.prl"), noFolder, Path("p")); },
-         "Error writing first output file."},
+        {"split first output", [&] { SplitPrl(Path("j.prl"), noFolder, Path("p")); }, "Error writing first output file."},
     };
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(ErrorOf(c.operation), c.error);

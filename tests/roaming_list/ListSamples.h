@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "roaming_list/AcqItemSpecial.h"
 #include "roaming_list/RLData.h"
 #include "roaming_list/RLFile.h"
 #include "roaming_list/RLManager.h"
@@ -64,6 +65,20 @@ inline std::vector<uint8_t> Binary(const CRLData& data, int version) {
     CRLFile file;
     if (!manager->WriteList(file)) return {};
     return file.Bytes();
+}
+
+// An IS-683C list whose binary is exactly `bytes` long (at least 15): undefined acquisition
+// records of up to 255 octets after the 11 header bytes, and the CRC.
+inline std::unique_ptr<CRLData> ListOfSize(size_t bytes) {
+    auto data = std::make_unique<CRLData>();
+    for (size_t left = bytes - 13; left > 0;) {
+        const size_t take = left >= 259 ? 257 : left == 258 ? 256 : left;  // 2 octets of framing
+        auto item = CreateAcqItem(kAcqTypeSpecial, 3);
+        dynamic_cast<CAcqItemSpecial&>(*item).SetData(std::vector<uint8_t>(take - 2, 0x5A));
+        data->GetAcqTable().Items().Add(std::move(item));
+        left -= take;
+    }
+    return data;
 }
 
 }  // namespace Tarn::ListSamples

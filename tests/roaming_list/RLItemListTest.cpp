@@ -8,10 +8,11 @@
 namespace Tarn {
 namespace {
 
-// A record of one 8-bit field; records with a value of 0xFF ask to be replaced.
+// A record of one 8-bit field; records with a value of 0xFF ask to be replaced. `alive` counts
+// the records in existence.
 class ByteItem : public CRLItem {
 public:
-    explicit ByteItem(int* alive = nullptr) : alive_(alive) {
+    explicit ByteItem(int* alive = nullptr, uint32_t v = 0) : value(v), alive_(alive) {
         if (alive_) ++*alive_;
     }
     ~ByteItem() override {
@@ -26,17 +27,12 @@ public:
         return 8;
     }
     std::unique_ptr<CRLItem> GetReplacement() override {
-        if (value != 0xFF) return nullptr;
-        auto r = std::make_unique<ByteItem>(alive_);
-        r->value = 0x7F;
-        return r;
+        return value == 0xFF ? std::make_unique<ByteItem>(alive_, 0x7F) : nullptr;
     }
     std::unique_ptr<CRLItem> Clone() const override {
-        auto c = std::make_unique<ByteItem>(alive_);
-        c->value = value;
-        return c;
+        return std::make_unique<ByteItem>(alive_, value);
     }
-    uint32_t value = 0;
+    uint32_t value;
 
 private:
     int* alive_;
@@ -47,8 +43,7 @@ class BudgetHelper : public CReadHelper {
 public:
     BudgetHelper(int budget, int* alive) : budget_(budget), alive_(alive) {}
     std::unique_ptr<CRLItem> CreateItem(CRLFile&) override {
-        if (budget_-- <= 0) return nullptr;
-        return std::make_unique<ByteItem>(alive_);
+        return budget_-- > 0 ? std::make_unique<ByteItem>(alive_) : nullptr;
     }
 
 private:
@@ -60,45 +55,47 @@ uint32_t ValueAt(const CRLItemList& list, size_t i) {
     return static_cast<const ByteItem*>(list.GetAt(i))->value;
 }
 
-TEST(CRLItemList, ReadStopsWithZeroBitsWhenARecordCannotBeCreated) {
-    int alive = 0;
-    CRLFile file(std::vector<uint8_t>{1, 2, 3});
-    CRLItemList list;
-    list.SetAnnouncedCount(3);
-    BudgetHelper helper(2, &alive);
-    EXPECT_EQ(list.Read(file, helper), 0u);
-    ASSERT_EQ(list.GetSize(), 2u);
-    EXPECT_EQ(ValueAt(list, 1), 2u);
-    EXPECT_EQ(alive, 2);
-}
-
-TEST(CRLItemList, ReplacementTakesThePlaceOfTheRecordRead) {
-    int alive = 0;
-    CRLFile file(std::vector<uint8_t>{0x10, 0xFF});
-    CRLItemList list;
-    list.SetAnnouncedCount(2);
-    BudgetHelper helper(5, &alive);
-    EXPECT_EQ(list.Read(file, helper), 16u);
-    EXPECT_EQ(ValueAt(list, 1), 0x7Fu);
-    EXPECT_EQ(alive, 2);  // the record first read was destroyed
+// A read gives the bits of its records, or 0 when a record cannot be created or ends past the
+// stop bit; a record ending on the stop bit is read. A replacement takes the place of the record
+// read, which is destroyed.
+TEST(CRLItemList, ReadStopsAtTheStopBitAndAtARecordThatCannotBeCreated) {
+    struct Case {
+        const char* name;
+        std::vector<uint8_t> bytes;
+        int budget;
+        uint64_t stopBit;
+        uint32_t bits;
+        std::vector<uint32_t> values;
+    };
+    const std::vector<Case> cases = {
+        {"ends on the stop bit", {1, 2, 3}, 5, 24, 24, {1, 2, 3}},
+        {"ends a bit past it", {1, 2, 3}, 5, 23, 0, {1, 2}},
+        {"no record class", {1, 2, 3}, 2, UINT64_MAX, 0, {1, 2}},
+        {"replaced", {0x10, 0xFF, 0x20}, 5, UINT64_MAX, 24, {0x10, 0x7F, 0x20}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        int alive = 0;
+        CRLFile file(c.bytes);
+        CRLItemList list;
+        list.SetAnnouncedCount(3);
+        BudgetHelper helper(c.budget, &alive);
+        EXPECT_EQ(list.Read(file, helper, c.stopBit), c.bits);
+        ASSERT_EQ(list.GetSize(), c.values.size());
+        for (size_t i = 0; i < c.values.size(); ++i) EXPECT_EQ(ValueAt(list, i), c.values[i]);
+        EXPECT_EQ(alive, static_cast<int>(c.values.size()));
+    }
 }
 
 TEST(CRLItemList, EditingKeepsOrderAndWritingUsesTheSize) {
     int alive = 0;
     CRLItemList list;
     list.SetAnnouncedCount(7);
-    for (uint32_t v : {10u, 20u, 30u}) {
-        auto item = std::make_unique<ByteItem>(&alive);
-        item->value = v;
-        list.Add(std::move(item));
-    }
+    for (uint32_t v : {10u, 20u, 30u}) list.Add(std::make_unique<ByteItem>(&alive, v));
     list.RemoveAt(0);
     ASSERT_EQ(list.GetSize(), 2u);
     EXPECT_EQ(ValueAt(list, 0), 20u);
-    EXPECT_EQ(ValueAt(list, 1), 30u);
-    auto first = std::make_unique<ByteItem>(&alive);
-    first->value = 5;
-    list.InsertAt(0, std::move(first));
+    list.InsertAt(0, std::make_unique<ByteItem>(&alive, 5));
     EXPECT_EQ(ValueAt(list, 0), 5u);
 
     CRLFile out;
@@ -138,24 +135,19 @@ TEST(CItemArena, RecordsOutliveTheArenaAndTheirTable) {
             CItemArena arena;
             // Enough records for several blocks, with a heap record and a bulky one among them.
             for (uint32_t i = 0; i < 5000; ++i) {
-                std::unique_ptr<ByteItem> item;
                 if (i == 1235)
-                    item = std::make_unique<ByteItem>(&alive);
+                    list.Add(std::make_unique<ByteItem>(&alive, i));
                 else if (i == 4321)
-                    item = MakeItem<BulkyItem>(&arena, &alive);
+                    list.Add(MakeItem<BulkyItem>(&arena, &alive, i));
                 else
-                    item = MakeItem<ByteItem>(&arena, &alive);
-                item->value = i;
-                list.Add(std::move(item));
+                    list.Add(MakeItem<ByteItem>(&arena, &alive, i));
             }
         }
         EXPECT_EQ(alive, 5000);
         for (size_t i = 0; i < list.GetSize(); ++i) list.RemoveAt(i);  // every other record
         ASSERT_EQ(list.GetSize(), 2500u);
         EXPECT_EQ(alive, 2500);
-        auto replacement = std::make_unique<ByteItem>(&alive);
-        replacement->value = 7;
-        list.ReplaceAt(0, std::move(replacement));
+        list.ReplaceAt(0, std::make_unique<ByteItem>(&alive, 7));
         kept = list.TakeAt(2000);
         EXPECT_EQ(ValueAt(list, 0), 7u);
         EXPECT_EQ(ValueAt(list, 616), 1233u);

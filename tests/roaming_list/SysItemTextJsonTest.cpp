@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "roaming_list/DataException.h"
 #include "roaming_list/SysItem.h"
-#include "roaming_list/SysItemIS2000.h"
 #include "tests/roaming_list/SysItemSamples.h"
 
 namespace Tarn {
@@ -14,110 +14,105 @@ namespace {
 
 using nlohmann::json;
 
+// The fields of a record line split at its tabs, empty ones included.
 std::vector<std::string> Tokens(const std::string& text) {
-    std::vector<std::string> tokens(1);
-    for (char c : text) {
-        if (c == '\t') {
-            tokens.emplace_back();
-        } else {
-            tokens.back() += c;
-        }
-    }
-    return tokens;  // the closing tab leaves an empty last token, as a line splitter would
+    std::vector<std::string> tokens;
+    std::istringstream in(text);
+    for (std::string token; std::getline(in, token, '\t');) tokens.push_back(token);
+    return tokens;
 }
 
-const SysSamples::Sample& Find(const std::string& name) {
-    for (const auto& sample : SysSamples::All())
-        if (name == sample.name) return sample;
-    throw std::logic_error("no sample " + name);
+std::string Repeat(const std::string& field, int times) {
+    std::string out;
+    for (int i = 0; i < times; ++i) out += field + "\t";
+    return out;
 }
 
-constexpr const char* kOddMcc = "1x-MCC with NID not stored keeps its odd identifiers";
-
-TEST(SysItemText, EveryRecordComesBackFromItsTextWithTheSameBytes) {
-    for (const auto& sample : SysSamples::All()) {
-        SCOPED_TRACE(sample.name);
-        auto item = SysSamples::ReadSample(sample);
-        auto back = CreateSysItem(item->GetSysType(), sample.version);
-        ASSERT_NE(back, nullptr);
-        back->FromText(Tokens(item->ToText()));
-        EXPECT_EQ(back->ToText(), item->ToText());
-        // The text names a 1x-MCC record by MCC and IMSI_11_12 alone, so unusual identifiers
-        // behind them are stored the usual way.
-        if (std::string(sample.name) == kOddMcc) continue;
-        EXPECT_EQ(SysSamples::WriteOne(*back, sample.version), sample.bytes);
-    }
+// The common fields of a long-framing line: acquisition index, roaming indicator, association tag.
+std::string Common(const char* index = "3", const char* roamInd = "1", const char* tag = "0") {
+    return std::string("Pref\tNew\tMore\t") + index + "\t" + roamInd + "\tYes\t" + tag +
+           "\tNo\tNo\t";
 }
 
-TEST(SysItemText, FieldsAreTabTerminatedInTheirOrder) {
+// Every number of a record line at its largest (taken) and one past it (refused, naming the
+// field and its range), and the lines whose shape or names do not fit.
+TEST(SysItemText, FieldsAtTheirEdgesAndMalformedLines) {
     struct Case {
-        const char* sample;
-        const char* text;
-    };
-    const std::vector<Case> cases = {
-        {"short preferred, NID not stored", "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t"},
-        {"MCC-MNC SID/NID with association",
-         "Pref\tSame\tSame\t1\t3\tYes\t5\tYes\tNo\t2\t310\t26\t1\t100\t7\t"},
-        {"PLMN multi LAC, negative",
-         "Neg\tNew\tSame\t4\t0\tNo\t0\tNo\tNo\tPLMN+Multi LAC\t310\t410\tAutomatic\t2\t4660\t1\t"},
-        {"PLMN select mode", "Pref\tNew\tSame\t0\t1\tNo\t0\tNo\tNo\tSelect Mode\tAllowed PLMNs\t"},
-        {"IS-856 with common offset and a 7-bit subnet",
-         "Pref\tSame\tSame\t1\t9\tNo\t0\tNo\tNo\ta00::/7\t2748\t"},
-        {"1x-MCC in the short framing", "Pref\tNew\tSame\t0\t1\t532\t5\t"},
-        {"undefined type 7 keeps its octets",
-         "Pref\tNew\tSame\t18\t0\tNo\t0\tNo\tNo\t5\t81245670\t"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.sample);
-        EXPECT_EQ(SysSamples::ReadSample(Find(c.sample))->ToText(), c.text);
-    }
-}
-
-TEST(SysItemText, MalformedLinesRaiseDataErrors) {
-    struct Case {
-        const char* name;
         int type;
         int version;
-        const char* text;
-        int code;
+        std::string text;
+        int code;             // 0: taken
+        const char* refusal;  // a part of the detail
     };
+    const std::string c = Common();
+    // clang-format off
     const std::vector<Case> cases = {
-        {"too few fields", 0, 1, "Pref\tNew\t", 10},
-        {"too many fields", 0, 1, "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t9\t", 10},
-        {"association fields missing in IS-683C", 0, 3, "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t9\t",
-         18},
-        {"unknown neg/pref", 0, 1, "Maybe\tNew\tMore\t3\t1\t1\t65535\t0\t", 12},
-        {"acquisition index beyond 9 bits", 0, 1, "Pref\tNew\tMore\t512\t1\t1\t65535\t0\t", 10},
-        {"SID beyond 15 bits", 0, 1, "Pref\tNew\tMore\t3\t1\t40000\t65535\t0\t", 10},
-        {"NID against its inclusion code", 0, 1, "Pref\tNew\tMore\t3\t1\t1\t5\t0\t", 10},
-        {"MCC beyond three digits", 14, 1, "Pref\tNew\tMore\t3\t1\t1000\t5\t", 10},
-        {"unknown PLMN type", 2, 4, "Neg\tNew\tSame\t4\t0\tNo\t0\tNo\tNo\tPLMN\t", 22},
-        {"LAC count against its LACs", 2, 4,
-         "Neg\tNew\tSame\t4\t0\tNo\t0\tNo\tNo\tPLMN+Multi LAC\t310\t410\tAutomatic\t3\t1\t2\t", 10},
-        {"unknown network selection mode", 2, 4,
-         "Neg\tNew\tSame\t4\t0\tNo\t0\tNo\tNo\tPLMN Only\t310\t410\tAuto\t", 24},
-        {"bad IS-856 subnet", 1, 3, "Pref\tNew\tSame\t1\t9\tNo\t0\tNo\tNo\tzz/7\t", 21},
-        {"bad MCC-MNC subnet", 3, 5, "Pref\tNew\tSame\t1\t9\tNo\t0\tNo\tNo\t3\t123\t45\t1\tzz\t",
-         21},
-        {"undefined record data of the wrong size", 7, 5,
-         "Pref\tNew\tSame\t1\t0\tNo\t0\tNo\tNo\t4\tAB\t", 10},
+        {0, 5, Common("511") + "1\t65535\t0", 0, ""},
+        {0, 5, Common("512") + "1\t65535\t0", 10, "acquisition index \"512\" is not a number from 0 to 511"},
+        {0, 5, Common("0", "255", "255") + "0\t65535\t0", 0, ""},
+        {0, 5, Common("0", "256") + "1\t65535\t0", 10, "roaming indicator \"256\" is not a number from 0 to 255"},
+        {0, 5, Common("0", "0", "256") + "1\t65535\t0", 10, "association tag \"256\" is not a number from 0 to 255"},
+        {0, 5, c + "32767\t65535\t1", 0, ""},
+        {0, 5, c + "32768\t65535\t1", 10, "SID \"32768\" is not a number from 0 to 32767"},
+        {0, 5, c + "-1\t65535\t1", 10, "SID \"-1\""},
+        {0, 5, c + "\t65535\t1", 10, "SID \"\""},
+        {0, 5, c + "1\t65536\t1", 10, "NID \"65536\" is not a number from 0 to 65535"},
+        {0, 5, c + "1\t65535\t3", 0, ""},  // 3 is reserved, and kept
+        {0, 5, c + "1\t65535\t4", 10, "NID_INCL \"4\" is not a number from 0 to 3"},
+        {0, 5, c + "1\t5\t0", 10, "NID 5 is not the one NID_INCL 0 stands for"},
+        {0, 1, "Pref\tNew\t", 10, "at least 5 fields"},
+        {0, 1, "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t9\t", 10, "SID, NID and NID_INCL"},
+        {0, 3, "Pref\tNew\tMore\t3\t1\t1\t65535\t0\t9\t", 18, ""},  // no association fields
+        {0, 1, "Maybe\tNew\tMore\t3\t1\t1\t65535\t0\t", 12, ""},
+        {14, 5, c + "999\t99", 0, ""},
+        {14, 5, c + "1000\t99", 10, "MCC \"1000\" is not a number from 0 to 999"},
+        {14, 5, c + "999\t100", 10, "IMSI_11_12 \"100\" is not a number from 0 to 99"},
+        {1, 5, c + "::/127\t4095", 0, ""},
+        {1, 5, c + "::/127\t4096", 10, "common subnet offset \"4096\" is not a number from 0 to 4095"},
+        {1, 5, c + "::/128", 21, "\"::/128\""},
+        {3, 5, c + "3\t310\t26\t16\t" + Repeat("::/0", 16), 0, ""},
+        {3, 5, c + "3\t310\t26\t17\t" + Repeat("::/0", 17), 10, "MCC-MNC count \"17\" is not a number from 0 to 16"},
+        {3, 5, c + "3\t310\t26\t1\tzz", 21, "\"zz\""},
+        {3, 5, c + "4\t310\t26", 10, "MCC-MNC subtype \"4\" is not a number from 0 to 3"},
+        {3, 5, c + "1\t310\t26\t5\t" + Repeat("32767", 5), 0, ""},
+        {3, 5, c + "1\t310\t26\t6\t" + Repeat("1", 6), 10, "MCC-MNC count \"6\" is not a number from 0 to 5"},
+        {3, 5, c + "2\t310\t26\t1\t32767\t65535", 0, ""},
+        {3, 5, c + "2\t310\t26\t1\t32768\t65535", 10, "SID \"32768\""},
+        {3, 5, c + "2\t310\t26\t1\t1\t65536", 10, "NID \"65536\""},
+        {2, 5, c + "PLMN+Multi LAC\t310\t410\tAutomatic\t15\t" + Repeat("65535", 15), 0, ""},
+        {2, 5, c + "PLMN+Multi LAC\t310\t410\tAutomatic\t16\t" + Repeat("1", 16), 10, "LAC count \"16\" is not a number from 0 to 15"},
+        {2, 5, c + "PLMN+Multi LAC\t310\t410\tAutomatic\t3\t1\t2", 10, "takes 8 fields"},
+        {2, 5, c + "PLMN+Single LAC\t310\t410\tManual\t65536", 10, "LAC \"65536\" is not a number from 0 to 65535"},
+        {2, 5, c + "PLMN", 22, ""},
+        {2, 5, c + "PLMN Only\t310\t410\tAuto", 24, ""},
+        {7, 5, c + "31\tA03" + std::string(57, '0'), 0, ""},  // the data starts with the common fields
+        {7, 5, c + "32\t" + std::string(62, '0'), 10, "record length \"32\" is not a number from 0 to 31"},
+        {7, 5, c + "4\tAB", 10, "does not fill a record of 4 octets"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        auto item = CreateSysItem(c.type, c.version);
+    // clang-format on
+    for (const auto& k : cases) {
+        SCOPED_TRACE(k.text);
+        auto item = CreateSysItem(k.type, k.version);
         try {
-            item->FromText(Tokens(c.text));
-            ADD_FAILURE() << "accepted";
+            item->FromText(Tokens(k.text));
+            EXPECT_EQ(k.code, 0) << "taken";
+            EXPECT_EQ(item->ToText(), k.text.back() == '\t' ? k.text : k.text + "\t");  // kept
         } catch (const CDataException& e) {
-            EXPECT_EQ(e.Code(), c.code) << e.what();
+            EXPECT_EQ(e.Code(), k.code) << e.what();
+            EXPECT_NE(e.Detail().find(k.refusal), std::string::npos) << e.what();
         }
     }
 }
 
+// Every record comes back from its JSON with the same bytes, the first sample with the reserved
+// NID_INCL 3 among them: a check names it, yet the binary reader keeps it, and so does JSON.
 TEST(SysItemJson, EveryRecordComesBackFromItsJsonWithTheSameBytes) {
-    for (const auto& sample : SysSamples::All()) {
+    std::vector<SysSamples::Sample> samples = SysSamples::All();
+    samples.push_back({"NID_INCL 3", 1, {0x00, 0x03, 0xD0, 0x18, 0x08}, 37});
+    for (const auto& sample : samples) {
         SCOPED_TRACE(sample.name);
         auto item = SysSamples::ReadSample(sample);
+        EXPECT_EQ(item->IsValid(), std::string(sample.name) != "NID_INCL 3");
         json out = json::object();
         item->ToJson(out);
         auto back = CreateSysItem(item->GetSysType(), sample.version);
@@ -126,117 +121,62 @@ TEST(SysItemJson, EveryRecordComesBackFromItsJsonWithTheSameBytes) {
     }
 }
 
-TEST(SysItemIS2000, TheReservedNidInclusionCodeSurvivesTextAndJson) {
-    // The first sample with NID_INCL 3, a reserved code the binary reader keeps: NID not stored.
-    const SysSamples::Sample reserved{"NID_INCL 3", 1, {0x00, 0x03, 0xD0, 0x18, 0x08}, 37};
-    auto item = SysSamples::ReadSample(reserved);
-    const auto* is2000 = dynamic_cast<const CSysItemIS2000*>(item.get());
-    ASSERT_NE(is2000, nullptr);
-    ASSERT_EQ(is2000->GetNidIncl(), 3u);
-    EXPECT_FALSE(item->IsValid());  // a check still names it
-
-    auto viaText = CreateSysItem(0, 1);
-    viaText->FromText(Tokens(item->ToText()));
-    EXPECT_EQ(SysSamples::WriteOne(*viaText, 1), reserved.bytes);
-
-    json out = json::object();
-    item->ToJson(out);
-    auto viaJson = CreateSysItem(0, 1);
-    viaJson->FromJson(json::parse(out.dump()));
-    EXPECT_EQ(SysSamples::WriteOne(*viaJson, 1), reserved.bytes) << out.dump();
-}
-
-TEST(SysItemJson, KeysAndNamesOfAShortRecord) {
-    auto item = SysSamples::ReadSample(Find("short preferred, NID not stored"));
-    json out = json::object();
-    item->ToJson(out);
-    const json expected = {
-        {"negPref", 1},  {"negPrefName", "Pref"},  {"geography", 0}, {"geographyName", "New"},
-        {"priority", 1}, {"priorityName", "More"}, {"acqIndex", 3},  {"roamInd", 1},
-        {"sid", 1},      {"nidIncl", 0},           {"nid", 65535}};
-    EXPECT_EQ(out, expected);
-}
-
-TEST(SysItemJson, BadFieldsRaiseTheSystemTableError) {
-    const json is2000 = {{"negPref", 1}, {"acqIndex", 3}, {"sid", 7}};
+// Field values at their largest are taken; one past, a wrong JSON type or a missing field raise
+// the system table's error naming the field.
+TEST(SysItemJson, FieldsAtTheirEdgesAndBadFields) {
+    const auto with = [](json extra) {
+        json in = {{"negPref", 0}, {"acqIndex", 3}, {"mcc", "310"}, {"mnc", "26"}};
+        in.update(extra);
+        return in;
+    };
+    const json pair = {{"sid", 32767}, {"nid", 65535}};
     struct Case {
-        const char* name;
         int type;
         json in;
-        const char* field;  // named in the message
+        const char* field;  // named in the message; empty: taken
     };
+    // clang-format off
     const std::vector<Case> cases = {
-        {"not an object", 0, json::array(), "system record"},
-        {"sid missing", 0, {{"negPref", 1}, {"acqIndex", 3}}, "sid"},
-        {"neg/pref missing", 0, {{"acqIndex", 3}, {"sid", 7}}, "negPref"},
-        {"sid as text", 0, {{"negPref", 1}, {"acqIndex", 3}, {"sid", "7"}}, "sid"},
-        {"sid too large", 0, {{"negPref", 1}, {"acqIndex", 3}, {"sid", 40000}}, "sid"},
-        {"negative index", 0, {{"negPref", 1}, {"acqIndex", -1}, {"sid", 7}}, "acqIndex"},
-        {"flag beyond one bit", 0, {{"negPref", 2}, {"acqIndex", 3}, {"sid", 7}}, "negPref"},
-        {"fractional roaming indicator",
-         0,
-         {{"negPref", 1}, {"acqIndex", 3}, {"sid", 7}, {"roamInd", 1.5}},
-         "roamInd"},
-        {"1x-MCC beyond three digits",
-         14,
-         {{"negPref", 1}, {"acqIndex", 3}, {"mcc", 1000}, {"imsi11_12", 1}},
-         "mcc"},
-        {"PLMN with 16 LACs",
-         2,
-         {{"negPref", 0},
-          {"acqIndex", 3},
-          {"plmnType", 3},
-          {"mcc", "310"},
-          {"mnc", "26"},
-          {"lacs", std::vector<int>(16, 1)}},
-         "lacs"},
-        {"PLMN MNC of one digit",
-         2,
-         {{"negPref", 0}, {"acqIndex", 3}, {"plmnType", 1}, {"mcc", "310"}, {"mnc", "2"}},
-         "mnc"},
-        {"MCC-MNC with a bad subnet",
-         3,
-         {{"negPref", 0},
-          {"acqIndex", 3},
-          {"subtype", 3},
-          {"mcc", "310"},
-          {"mnc", "26"},
-          {"subnets", {"x"}}},
-         "subnets"},
-        {"MCC-MNC with six pairs",
-         3,
-         {{"negPref", 0},
-          {"acqIndex", 3},
-          {"subtype", 2},
-          {"mcc", "310"},
-          {"mnc", "26"},
-          {"sidNidPairs", std::vector<json>(6, {{"sid", 1}, {"nid", 1}})}},
-         "sidNidPairs"},
-        {"IS-856 subnet length beyond 7 bits",
-         1,
-         {{"negPref", 0}, {"acqIndex", 3}, {"subnet", "::/128"}},
-         "subnet"},
-        {"undefined record data of the wrong size",
-         7,
-         {{"negPref", 0}, {"acqIndex", 3}, {"length", 4}, {"data", "AB"}},
-         "data"},
+        {0, json::array(), "system record"},
+        {0, {{"negPref", 1}, {"acqIndex", 3}}, "sid"},
+        {0, {{"acqIndex", 3}, {"sid", 7}}, "negPref"},
+        {0, with({{"acqIndex", 511}, {"sid", 32767}, {"roamInd", 255}, {"assnTag", 255}}), ""},
+        {0, with({{"sid", "7"}}), "sid"},
+        {0, with({{"sid", 32768}}), "sid"},
+        {0, with({{"acqIndex", 512}, {"sid", 7}}), "acqIndex"},
+        {0, with({{"acqIndex", -1}, {"sid", 7}}), "acqIndex"},
+        {0, with({{"negPref", 2}, {"sid", 7}}), "negPref"},
+        {0, with({{"sid", 7}, {"roamInd", 1.5}}), "roamInd"},
+        {0, with({{"sid", 7}, {"roamInd", 256}}), "roamInd"},
+        {14, with({{"mcc", 999}, {"imsi11_12", 99}}), ""},
+        {14, with({{"mcc", 1000}, {"imsi11_12", 1}}), "mcc"},
+        {2, with({{"plmnType", 3}, {"lacs", std::vector<int>(15, 65535)}}), ""},
+        {2, with({{"plmnType", 3}, {"lacs", std::vector<int>(16, 1)}}), "lacs"},
+        {2, with({{"plmnType", 1}, {"mnc", "2"}}), "mnc"},
+        {3, with({{"subtype", 3}, {"subnets", std::vector<std::string>(16, "::/127")}}), ""},
+        {3, with({{"subtype", 3}, {"subnets", std::vector<std::string>(17, "::/0")}}), "subnets"},
+        {3, with({{"subtype", 3}, {"subnets", {"x"}}}), "subnets"},
+        {3, with({{"subtype", 2}, {"sidNidPairs", std::vector<json>(5, pair)}}), ""},
+        {3, with({{"subtype", 2}, {"sidNidPairs", std::vector<json>(6, pair)}}), "sidNidPairs"},
+        {1, with({{"subnet", "::/128"}}), "subnet"},
+        {7, with({{"length", 4}, {"data", "AB"}}), "data"},
     };
+    // clang-format on
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.in.dump());
         auto item = CreateSysItem(c.type, 5);
         try {
             item->FromJson(c.in);
-            ADD_FAILURE() << "accepted";
+            EXPECT_STREQ(c.field, "") << "taken";
         } catch (const CDataException& e) {
             EXPECT_EQ(e.Code(), 10);
+            EXPECT_NE(*c.field, '\0') << e.what();
             EXPECT_NE(std::string(e.what()).find(c.field), std::string::npos) << e.what();
         }
     }
     // Names are for people; only the numbers are read.
-    json named = is2000;
-    named["negPrefName"] = "Neg";
     auto item = CreateSysItem(0, 5);
-    item->FromJson(named);
+    item->FromJson({{"negPref", 1}, {"negPrefName", "Neg"}, {"acqIndex", 3}, {"sid", 7}});
     EXPECT_TRUE(item->IsPreferred());
 }
 

@@ -39,7 +39,7 @@ TEST(TextRender, RecordLinesAreCheckedWhereTheyLand) {
     const std::vector<Case> cases = {
         {"5\t6\t", ""},
         {"", ""},
-        {"5\t6", ""},                 // no closing tab: the last field is still a field
+        {"5\t6", ""},  // no closing tab: the last field is still a field
         {"Invalidity\t", ""},
         {"5\t\t6\t", "field 2 is empty"},
         {"5\t  \t", "field 2 is empty"},
@@ -83,6 +83,7 @@ TEST(TextRender, SystemRecordsWithNamelessFlagsAreStillRefused) {
         const char* refusal;  // why the record is refused
     };
     const auto none = [](CSysItem&) {};
+    // clang-format off
     const std::vector<Case> cases = {
         {0, 3, none, "Pref\tNew\tSame\t0\t0\tNo\t0\tNo\tNo\t0\t65535\t0\t", ""},
         {0, 1, none, "Pref\tNew\tSame\t0\t0\t0\t65535\t0\t", ""},
@@ -95,20 +96,19 @@ TEST(TextRender, SystemRecordsWithNamelessFlagsAreStillRefused) {
         {14, 5, [](CSysItem& r) { r.SetDataAssn(3); }, "", "field 9 has no name"},
         {0, 1, [](CSysItem& r) { r.SetGeography(2); }, "", "field 2 has no name"},
         // Version 1 shows no association fields, so nothing nameless is rendered.
-        {0, 1, [](CSysItem& r) { r.SetAssnIncluded(2); },
-         "Pref\tNew\tSame\t0\t0\t0\t65535\t0\t", ""},
+        {0, 1, [](CSysItem& r) { r.SetAssnIncluded(2); }, "Pref\tNew\tSame\t0\t0\t0\t65535\t0\t", ""},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.type) + "/" + std::to_string(c.version) + " " + c.refusal);
         std::unique_ptr<CSysItem> record = CreateSysItem(c.type, c.version);
-        ASSERT_TRUE(record);
         c.edit(*record);
         const std::string fields = record->ToText();
         CRLData data;
         data.GetSysTable().Items().Add(std::move(record));
         try {
             const std::string text = RenderRoamingListText(data, c.version);
-            EXPECT_EQ(std::string(c.refusal), "");
+            EXPECT_STREQ(c.refusal, "");
             const std::string line = "\t0\t" + std::to_string(c.type) + "\t" + c.line + "\r\n";
             EXPECT_EQ(text.substr(text.size() - line.size()), line);
             EXPECT_EQ(fields, c.line);

@@ -22,9 +22,8 @@ TEST(CheckHeaderFields, RoamingIndicatorFirstThenListId) {
         const char* listId;
         std::string text;  // empty: accepted
     } cases[] = {
-        {"", "", roamText},     {"256", "7", roamText}, {"-1", "7", roamText},
-        {"1", "", idText},      {"1", "65536", idText}, {"1", "12a", idText},
-        {" 255 ", "65535", ""}, {"0", "0", ""},
+        {"", "", roamText},     {"256", "7", roamText}, {"-1", "7", roamText},  {"1", "", idText},
+        {"1", "65536", idText}, {"1", "12a", idText},   {" 255 ", "65535", ""}, {"0", "0", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.roamInd) + "/" + c.listId);
@@ -33,7 +32,9 @@ TEST(CheckHeaderFields, RoamingIndicatorFirstThenListId) {
         prop.prefListId = 9;
         auto issue = CheckHeaderFields(c.roamInd, c.listId, &prop);
         EXPECT_EQ(issue ? issue->text : "", c.text);
-        EXPECT_EQ(issue ? issue->messageId : 0u, c.text.empty() ? 0u : c.text == roamText ? 160u : 161u);
+        EXPECT_EQ(issue ? issue->messageId : 0u, c.text.empty()       ? 0u
+                                                 : c.text == roamText ? 160u
+                                                                      : 161u);
         EXPECT_EQ(prop.defRoamInd, issue ? 9 : std::stoi(c.roamInd));
         EXPECT_EQ(prop.prefListId, issue ? 9 : std::stoi(c.listId));
     }
@@ -55,37 +56,49 @@ std::vector<Where> Places(const ValidationResult& r) {
 const std::string kCommon = "Pref\tNew\tSame\t";
 const std::string kTail = "\t1\tNo\t0\tNo\tNo\t";
 
-// An IS-683D list with a record of each kind of fault.
+// An IS-683E list with a record of each kind of fault, beside the records just inside each rule.
 std::unique_ptr<CRLData> FaultyList() {
-    auto data = ListSamples::List(
-        4, {"10\t1\t25", "11\t17\t1459", "12\t0\t8", "253\t2"},
-        {"0\t" + kCommon + "0" + kTail + "4096\t12\t1",              // fine
-         "1\t" + kCommon + "0" + kTail + "a00::/7",                  // IS-856 on CDMA: 167
-         "0\t" + kCommon + "7" + kTail + "4096\t12\t1",              // index beyond the table: 156
-         "0\t" + kCommon + "1" + kTail + "4096\t12\t1",              // IS-2000 on HDR: 163
-         "2\t" + kCommon + "0" + kTail + "Select Mode\tAny PLMNs",   // PLMN on CDMA: 196
-         "2\t" + kCommon + "2" + kTail + "Select Mode\tAny PLMNs",   // PLMN on GSM: fine
-         "3\t" + kCommon + "0" + kTail + "3\t310\t26\t1\ta00::/7",   // MCC-MNC subnet on CDMA: 205
-         "3\t" + kCommon + "1" + kTail + "2\t310\t26\t1\t5\t6",      // MCC-MNC SID/NID on HDR: 204
-         "1\t" + kCommon + "3" + kTail + "a00::/7"});                // anything on undefined: fine
+    const auto sys = [](const std::string& type, int acq, const std::string& fields) {
+        return type + "\t" + kCommon + std::to_string(acq) + kTail + fields;
+    };
+    const std::string is2000 = "4096\t12\t1", plmn = "Select Mode\tAny PLMNs";
+    auto data =
+        ListSamples::List(5,
+                          {"10\t1\t25", "11\t17\t1459", "12\t0\t8", "253\t2",
+                           "15\t9\t1\t2\tUARFCN_NOT_PRESENT", "16"},
+                          {sys("0", 0, is2000),                    // fine
+                           sys("1", 0, "a00::/7"),                 // IS-856 on CDMA: 167
+                           sys("0", 7, is2000),                    // index one past the table: 156
+                           sys("0", 1, is2000),                    // IS-2000 on HDR: 163
+                           sys("2", 0, plmn),                      // PLMN on CDMA: 196
+                           sys("2", 2, plmn),                      // PLMN on GSM: fine
+                           sys("3", 0, "3\t310\t26\t1\ta00::/7"),  // MCC-MNC subnet on CDMA: 205
+                           sys("3", 1, "2\t310\t26\t1\t5\t6"),     // MCC-MNC SID/NID on HDR: 204
+                           sys("1", 3, "a00::/7"),                 // anything on undefined: fine
+                           sys("2", 4, plmn),                      // PLMN on GWL: fine
+                           sys("2", 5, plmn),                      // PLMN on UMB: 196
+                           sys("3", 4, "2\t310\t26\t1\t5\t6"),     // MCC-MNC SID/NID on GWL: 204
+                           sys("3", 5, "2\t310\t26\t1\t5\t6"),     // MCC-MNC SID/NID on UMB: fine
+                           sys("0", 6, is2000)});                  // the last index: fine
     // Two records that fail their own checks, which text would not let in.
-    data->GetAcqTable().Items().Add(CreateAcqItem(3, 4));  // a custom record without channels
-    auto badNid = CreateSysItem(0, 4);
+    data->GetAcqTable().Items().Add(CreateAcqItem(3, 5));  // a custom record without channels
+    auto badNid = CreateSysItem(0, 5);
     dynamic_cast<CSysItemIS2000&>(*badNid).SetNidIncl(3);
     data->GetSysTable().Items().Add(std::move(badNid));
     return data;
 }
 
 TEST(CheckRoamingList, NamesEveryFailureWithItsMessageRowAndColumn) {
-    const ValidationResult r = CheckRoamingList(*FaultyList(), 4);
+    const ValidationResult r = CheckRoamingList(*FaultyList(), 5);
     const std::vector<Where> expected = {
-        {144, 4, -1}, {167, 1, 4}, {156, 2, 4}, {163, 3, 4},
-        {196, 4, 4},  {205, 6, 4}, {204, 7, 4}, {145, 9, -1},
+        {144, 6, -1}, {167, 1, 4}, {156, 2, 4},  {163, 3, 4},  {196, 4, 4},
+        {205, 6, 4},  {204, 7, 4}, {196, 10, 4}, {204, 11, 4}, {145, 14, -1},
     };
     EXPECT_EQ(Places(r), expected);
-    EXPECT_EQ(r.issues[2].Describe(),
-              "156 (System Table, row 2, column 4): An invalid ACQ Index is entered column 4, row 2 "
-              "of the System Record Table.");
+    EXPECT_EQ(
+        r.issues[2].Describe(),
+        "156 (System Table, row 2, column 4): An invalid ACQ Index is entered column 4, row 2 "
+        "of the System Record Table.");
     EXPECT_EQ(r.issues[0].table, "Acquisition Table");
 }
 
@@ -110,15 +123,16 @@ TEST(TakeListFromEditor, GridsReadBackToTheSameList) {
         std::vector<std::string> acq = {"5\tA\tF", "1\tBoth", "3\t25\t799"};
         if (hasGsm) acq.push_back("12\t0\t8");  // a type whose cell shows "Invalid"
         const std::string assn = version >= 3 ? "\tYes\t9\tYes\tNo\t" : "\t";
-        auto data = ListSamples::List(
-            version, acq,
-            {"0\tPref\tNew\tMore\t2\t7" + assn + "4096\t12\t1",
-             "14\tNeg\tSame\tSame\t0\t0" + assn + "310\t26"});
+        auto data = ListSamples::List(version, acq,
+                                      {"0\tPref\tNew\tMore\t2\t7" + assn + "4096\t12\t1",
+                                       "14\tNeg\tSame\tSame\t0\t0" + assn + "310\t26"});
         const std::vector<uint8_t> before = ListSamples::Binary(*data, version);
         ASSERT_FALSE(before.empty());
         const auto& names = CRLNameTables::Instance();
-        const MemoryGrid acqGrid = GridOf(data->GetAcqTable().Items(), names.AcqTypes(version), true);
-        const MemoryGrid sysGrid = GridOf(data->GetSysTable().Items(), names.SysTypes(version), false);
+        const MemoryGrid acqGrid =
+            GridOf(data->GetAcqTable().Items(), names.AcqTypes(version), true);
+        const MemoryGrid sysGrid =
+            GridOf(data->GetSysTable().Items(), names.SysTypes(version), false);
         if (hasGsm) {
             EXPECT_EQ(acqGrid.GetCellText(0, 3), "Invalid");
         }
