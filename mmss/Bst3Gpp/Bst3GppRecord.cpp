@@ -33,7 +33,7 @@ bool ParseRatId(const std::string& text, uint8_t& ratId) {
     return false;
 }
 
-// Walks a flat list of cells or tokens in the grid row's order.
+// Walks a flat list of cells in the grid row's order.
 class RowReader {
 public:
     virtual ~RowReader() = default;
@@ -186,30 +186,6 @@ std::string Record::ToText() const {
         text += "\r\n";
     }
     return text;
-}
-
-void Record::FromText(const std::vector<std::string>& tokens) {
-    struct Tokens : RowReader {
-        const std::vector<std::string>& tokens;
-        explicit Tokens(const std::vector<std::string>& t) : tokens(t) {}
-        std::string Text(int column) override {
-            if (static_cast<size_t>(column) >= tokens.size())
-                throw CDataException(kError, "(the BST record line ends too early)");
-            return tokens[static_cast<size_t>(column)];
-        }
-        uint32_t Number(int column, uint32_t high) override {
-            const std::string text = Text(column);
-            if (!Mmss::IsDigits(text) || Mmss::ParseDecimal(text) > high)
-                throw CDataException(kError, "(\"" + text + "\" is not a number from 0 to " +
-                                                 std::to_string(high) + ")");
-            return static_cast<uint32_t>(Mmss::ParseDecimal(text));
-        }
-    } in(tokens);
-    Record r = *this;
-    if (!ParseRatId(in.Text(kRatId), r.ratId))
-        throw CDataException(kError, "(Rat Id \"" + in.Text(kRatId) + "\" is unknown)");
-    ReadRow(in, r);
-    *this = r;
 }
 
 void Record::ToJson(nlohmann::json& out) const {

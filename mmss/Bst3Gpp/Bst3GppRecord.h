@@ -48,7 +48,6 @@ public:
     std::string ToText() const override;
     // The grid row's cells in order: Rat Id, Band Channel Type, Num Band Channels, then per band
     // its id, channel count and channels.
-    void FromText(const std::vector<std::string>& tokens) override;
     void ToJson(nlohmann::json& out) const override;
     void FromJson(const nlohmann::json& in) override;
 

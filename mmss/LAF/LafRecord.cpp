@@ -125,27 +125,6 @@ std::string LafRecord::ToText() const {
     return Format() + "\r\n";
 }
 
-void LafRecord::FromText(const std::vector<std::string>& tokens) {
-    if (tokens.size() == 1) {
-        *this = Parse(tokens[0]);
-        return;
-    }
-    if (tokens.size() != 4)
-        throw CDataException(kError, "(an LTE available record needs SID, NID, BID and CNT)");
-    uint32_t values[4] = {};
-    for (int column = kSid; column <= kCnt; ++column) {
-        unsigned message = 0, hint = 0;
-        if (!CheckEntry(column, tokens[static_cast<size_t>(column)], message, hint))
-            throw CDataException(kError, "(" + FormatMessage(message) + ")");
-        values[column] =
-            static_cast<uint32_t>(Mmss::ParseDecimal(tokens[static_cast<size_t>(column)]));
-    }
-    sid = static_cast<uint16_t>(values[kSid]);
-    nid = static_cast<uint16_t>(values[kNid]);
-    bid = static_cast<uint16_t>(values[kBid]);
-    cnt = static_cast<uint8_t>(values[kCnt]);
-}
-
 void LafRecord::ToJson(nlohmann::json& out) const {
     out["sid"] = sid;
     out["nid"] = nid;

@@ -43,7 +43,6 @@ public:
     // The line and "\r\n", as the text view shows it.
     std::string ToText() const override;
     // One token: a file line; four tokens: SID, NID, BID, CNT in their ranges.
-    void FromText(const std::vector<std::string>& tokens) override;
     void ToJson(nlohmann::json& out) const override;
     void FromJson(const nlohmann::json& in) override;
 

@@ -105,26 +105,6 @@ std::string Record::ToText() const {
     return line + "\r\n";
 }
 
-void Record::FromText(const std::vector<std::string>& tokens) {
-    if (tokens.size() < 5)
-        throw CDataException(kError, "(an MSPL record line needs at least five fields)");
-    const auto& n = Names();
-    Record r = *this;
-    r.sysType = static_cast<uint8_t>(ByName(n.SysType(), tokens[0]));
-    r.priorityClass = static_cast<uint8_t>(ByName(n.PriorityClass(), tokens[1]));
-    r.sysPri = static_cast<uint8_t>(ByName(n.SysPri(), tokens[2]));
-    r.searchTime = static_cast<uint8_t>(ByName(n.SearchTime(), tokens[3]));
-    if (tokens[4] == "Network_Cap_Not_Present") {
-        r.networkCap = 1;
-    } else {
-        if (tokens.size() < 6)
-            throw CDataException(kError,
-                                 "(the Network Cap name is missing after \"" + tokens[4] + "\")");
-        r.networkCap = static_cast<uint8_t>(ByName(n.NetworkCap(), tokens[5]));
-    }
-    *this = r;
-}
-
 void Record::ToJson(nlohmann::json& out) const {
     const auto& n = Names();
     out["sysType"] = sysType;

@@ -36,7 +36,6 @@ public:
     // The record's line of the text view, "\r\n" included.
     std::string ToText() const override;
     // Fields 1-4 by name; field 5 "Network_Cap_Not_Present" or a NetworkCap name in field 6.
-    void FromText(const std::vector<std::string>& tokens) override;
 
     void ToJson(nlohmann::json& out) const override;
     void FromJson(const nlohmann::json& in) override;

@@ -92,29 +92,6 @@ std::string Record::ToText() const {
     return line + "\r\n";
 }
 
-void Record::FromText(const std::vector<std::string>& tokens) {
-    const size_t needed = HasAccessBytes(listKind) ? 5 : 2;
-    if (tokens.size() < needed)
-        throw CDataException(kError, "(a PLMN line needs " + std::to_string(needed) + " fields)");
-    Record r = *this;
-    if (!Mmss::ParseMcc(tokens[0], r.mcc))
-        throw CDataException(kError, "(MCC \"" + tokens[0] + "\" is not three digits)");
-    if (!Mmss::ParseMnc(tokens[1], r.mnc))
-        throw CDataException(kError, "(MNC \"" + tokens[1] + "\" is not two or three digits)");
-    r.UpdateValues();
-    if (HasAccessBytes(listKind)) {
-        const auto& yesNo = Mmss::NameTables::Instance().YesNo();
-        uint8_t* flags[] = {&r.umts, &r.lte, &r.gsm};
-        for (size_t i = 0; i < 3; ++i) {
-            int value = 0;
-            if (!yesNo.FindValue(tokens[2 + i], value))
-                throw CDataException(kError, "(\"" + tokens[2 + i] + "\" is neither Yes nor No)");
-            *flags[i] = static_cast<uint8_t>(value);
-        }
-    }
-    *this = r;
-}
-
 void Record::ToJson(nlohmann::json& out) const {
     out["mcc"] = Mmss::NibbleText(mcc, false);
     out["mnc"] = Mmss::NibbleText(mnc, true);

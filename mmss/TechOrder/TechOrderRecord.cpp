@@ -46,18 +46,6 @@ std::string Record::ToText() const {
     return RatIds().GetName(ratId) + "\r\n";
 }
 
-void Record::FromText(const std::vector<std::string>& tokens) {
-    if (tokens.empty()) throw CDataException(kError, "(the Rat Id is missing)");
-    int value = 0;
-    if (RatIds().FindValue(tokens[0], value)) {
-        ratId = static_cast<uint8_t>(value);
-    } else if (Mmss::IsDigits(tokens[0]) && Mmss::ParseDecimal(tokens[0]) <= 255) {
-        ratId = static_cast<uint8_t>(Mmss::ParseDecimal(tokens[0]));
-    } else {
-        throw CDataException(kError, "(Rat Id \"" + tokens[0] + "\" is unknown)");
-    }
-}
-
 void Record::ToJson(nlohmann::json& out) const {
     out["ratId"] = ratId;
     out["ratIdName"] = RatIds().GetName(ratId);

@@ -26,7 +26,6 @@ public:
     bool OnGridHeading(Grid& grid, int event) const override;
 
     std::string ToText() const override;
-    void FromText(const std::vector<std::string>& tokens) override;
     void ToJson(nlohmann::json& out) const override;
     void FromJson(const nlohmann::json& in) override;
 

@@ -4,7 +4,6 @@
 #include "grid/MemoryGrid.h"
 #include "mmss/Mspl/MsplDocument.h"
 #include "mmss/Mspl/MsplRecord.h"
-#include "roaming_list/DataException.h"
 #include "tests/mmss/MmssTestSupport.h"
 
 namespace Tarn {
@@ -118,19 +117,6 @@ TEST(Mspl, GridRowReadsByNameAndStopsAtTheFirstEmptyCell) {
 
     r.OnGridHeading(grid, kGridHeadingEvent);
     EXPECT_EQ(grid.GetColumnHeading(3), "Higher Priority Seach");
-}
-
-TEST(Mspl, TextFieldsParseBackToTheRecord) {
-    Mspl::Record r;
-    r.FromText({"UTRAN", "Home-And-Preferred", "More", "64-minutes", "Network_Cap_Present",
-                "Voice-And-Data"});
-    EXPECT_EQ(r.ToText(),
-              "UTRAN\tHome-And-Preferred\t\tMore\t64-minutes\t\tNetwork_Cap_Present "
-              "\tVoice-And-Data\r\n");
-    r.FromText({"UTRAN", "Home", "Same", "1-minute", "Network_Cap_Not_Present"});
-    EXPECT_EQ(r.networkCap, 1);
-    EXPECT_THROW(r.FromText({"LTE", "Home", "Same", "1-minute", "Network_Cap_Not_Present"}),
-                 CDataException);
 }
 
 TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
