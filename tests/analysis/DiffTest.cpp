@@ -38,11 +38,14 @@ std::vector<std::string> Changes(const ListDiff& d) {
 using V = std::vector<std::string>;
 using I = std::vector<size_t>;
 
+// A preferred record of any NID, opening a GEO (kNew) or not, with priority "More" or not.
+constexpr bool kNew = true, kSame = false, kMore = true;
+json P(unsigned sid, bool geoNew, bool more = false, int acq = 0) { return Sid(sid, 65535, true, geoNew, more, acq); }
+
 TEST(DiffTest, RenumberingTheAcquisitionTableIsNoChange) {
     const json acqA = {PcsChannels({25}), PcsChannels({50}), PcsChannels({75})};
     const json acqB = {PcsChannels({75}), PcsChannels({25}), PcsChannels({50})};
-    ListDiff d = Diff(acqA, {Sid(1, 65535, true, true, true, 0), Sid(2, 65535, true, false, false, 2)},
-                      acqB, {Sid(1, 65535, true, true, true, 1), Sid(2, 65535, true, false, false, 0)});
+    ListDiff d = Diff(acqA, {P(1, kNew, kMore), P(2, kSame, false, 2)}, acqB, {P(1, kNew, kMore, 1), P(2, kSame)});
     EXPECT_TRUE(d.Same()) << testing::PrintToString(Changes(d));
 }
 
@@ -59,6 +62,7 @@ TEST(DiffTest, AcquisitionRecordsPairByContentThenBySlot) {
         {"slot taken by a moved record", {x, y, z}, {y, w}, {1}, {0, 2}, {}},
         {"duplicates pair in order", {x, x}, {x}, {}, {1}, {}},
         {"appended", {x}, {x, z}, {1}, {}, {}},
+        {"edited in the last slot both have, removed past it", {x, y, z}, {x, w}, {}, {2}, {{1, 1}}},
     };
     for (const auto& c : cases) {
         ListDiff d = Diff(c.a, json::array(), c.b, json::array());
@@ -83,18 +87,12 @@ TEST(DiffTest, SystemChangesNameTheFieldsThatMoved) {
         // GEO 0 holds 1, 2, 3 and GEO 1 holds 4, 5; system 3 moves to the head of GEO 1. The
         // levels of 4 and 5 shift, their order does not: only 3 is reported.
         {"moved to another GEO",
-         {Sid(1, 65535, true, true, true, 0), Sid(2, 65535, true, false, true, 0),
-          Sid(3, 65535, true, false, true, 0), Sid(4, 65535, true, true, true, 0),
-          Sid(5, 65535, true, false, true, 0)},
-         {Sid(1, 65535, true, true, true, 0), Sid(2, 65535, true, false, true, 0),
-          Sid(3, 65535, true, true, true, 0), Sid(4, 65535, true, false, true, 0),
-          Sid(5, 65535, true, false, true, 0)},
+         {P(1, kNew, kMore), P(2, kSame, kMore), P(3, kSame, kMore), P(4, kNew, kMore), P(5, kSame, kMore)},
+         {P(1, kNew, kMore), P(2, kSame, kMore), P(3, kNew, kMore), P(4, kSame, kMore), P(5, kSame, kMore)},
          {"2->2:geo"}, {}, {}, 5},
         {"moved to the bottom of its GEO",
-         {Sid(1, 65535, true, true, true, 0), Sid(2, 65535, true, false, true, 0),
-          Sid(3, 65535, true, false, true, 0), Sid(4, 65535, true, false, false, 0)},
-         {Sid(2, 65535, true, true, true, 0), Sid(3, 65535, true, false, true, 0),
-          Sid(4, 65535, true, false, true, 0), Sid(1, 65535, true, false, false, 0)},
+         {P(1, kNew, kMore), P(2, kSame, kMore), P(3, kSame, kMore), P(4, kSame)},
+         {P(2, kNew, kMore), P(3, kSame, kMore), P(4, kSame, kMore), P(1, kSame)},
          {"0->3:priority"}, {}, {}, 4},
         // A negative record's roaming indicator is not compared; once preferred, it would be.
         {"negative turned preferred",
@@ -104,18 +102,14 @@ TEST(DiffTest, SystemChangesNameTheFieldsThatMoved) {
          {Sid(7, 3, true, true, false, 0, 0)}, {Sid(7, 3, true, true, false, 1, 1)},
          {"0->0:roamInd,acquisition"}, {}, {}, 1},
         // Two records for SID 9 (one per channel) swapped: pairing by content finds no change.
-        {"duplicate identities pair by content",
-         {Sid(9, 65535, true, true, false, 0), Sid(9, 65535, true, false, false, 1)},
-         {Sid(9, 65535, true, true, false, 1), Sid(9, 65535, true, false, false, 0)},
+        {"duplicate identities pair by content", {P(9, kNew), P(9, kSame, false, 1)}, {P(9, kNew, false, 1), P(9, kSame)},
          {}, {}, {}, 2},
         // Only the second keeps its content; the first pairs with what is left of SID 9.
         {"duplicate identities, one edited",
-         {Sid(9, 65535, true, true, false, 0), Sid(9, 65535, true, false, false, 1),
-          Sid(9, 65535, false, false, false, 1)},
-         {Sid(9, 65535, true, true, false, 1), Sid(9, 65535, false, false, false, 0)},
+         {P(9, kNew), P(9, kSame, false, 1), Sid(9, 65535, false, false, false, 1)},
+         {P(9, kNew, false, 1), Sid(9, 65535, false, false, false, 0)},
          {"0->1:negPref"}, {}, {2}, 2},
-        {"NID wildcard is another system",
-         {Sid(4, 65535, true, true, false, 0)}, {Sid(4, 1, true, true, false, 0)}, {}, {0}, {0}, 0},
+        {"NID wildcard is another system", {P(4, kNew)}, {Sid(4, 1, true, true, false, 0)}, {}, {0}, {0}, 0},
     };
     for (const auto& c : cases) {
         ListDiff d = Diff(acq, c.a, acq, c.b);
@@ -131,13 +125,9 @@ TEST(DiffTest, GeoGoesWhereMostOfItsRecordsWent) {
     // GEO 0 (1, 2) is split evenly: the tie goes to the lower GEO, so 2 moved. GEO 1 (3, 4, 5)
     // lost one record to GEO 0 and still corresponds to GEO 1.
     ListDiff d = Diff(acq,
-                      {Sid(1, 65535, true, true, false, 0), Sid(2, 65535, true, false, false, 0),
-                       Sid(3, 65535, true, true, false, 0), Sid(4, 65535, true, false, false, 0),
-                       Sid(5, 65535, true, false, false, 0)},
+                      {P(1, kNew), P(2, kSame), P(3, kNew), P(4, kSame), P(5, kSame)},
                       acq,
-                      {Sid(1, 65535, true, true, false, 0), Sid(3, 65535, true, false, false, 0),
-                       Sid(2, 65535, true, true, false, 0), Sid(4, 65535, true, false, false, 0),
-                       Sid(5, 65535, true, false, false, 0)});
+                      {P(1, kNew), P(3, kSame), P(2, kNew), P(4, kSame), P(5, kSame)});
     EXPECT_EQ(d.geoMap, (std::vector<int>{0, 1}));
     EXPECT_EQ(Changes(d), (V{"1->2:geo", "2->1:geo"}));
 }
@@ -146,10 +136,8 @@ TEST(DiffTest, GeoGoesWhereMostOfItsRecordsWent) {
 // under the GEO its own went to, and a GEO that vanished on its own.
 TEST(DiffTest, TextGroupsByGeoOfTheSecondList) {
     const json acq = {PcsChannels({25}), PcsChannels({50})};
-    auto a = JsonList(acq, {Sid(1, 65535, true, true, false, 0), Sid(2, 65535, true, false, false, 0),
-                            Sid(3, 65535, true, true, false, 0), Sid(4, 65535, true, true, false, 0)});
-    auto b = JsonList(acq, {Sid(1, 65535, true, true, false, 1), Sid(5, 65535, true, false, false, 0),
-                            Sid(3, 65535, true, true, false, 0)});
+    auto a = JsonList(acq, {P(1, kNew), P(2, kSame), P(3, kNew), P(4, kNew)});
+    auto b = JsonList(acq, {P(1, kNew, false, 1), P(5, kSame), P(3, kNew)});
     ListDiff d = DiffLists(*a, 3, *b, 3);
     EXPECT_EQ(ListDiffText(d, *a, *b),
               "GEO 0\n"
@@ -187,24 +175,6 @@ TEST(DiffTest, AListDiffersFromItsUpConversionOnlyInVersion) {
     }
 }
 
-TEST(KeepConsistentPrioritiesTest, HandBuiltLevels) {
-    struct Case {
-        const char* name;
-        std::vector<int> a, b;
-        std::vector<bool> keep;
-    };
-    const Case cases[] = {
-        {"first moved to the bottom", {0, 1, 2, 3}, {3, 0, 1, 2}, {false, true, true, true}},
-        {"two swapped: the earlier stays", {0, 1}, {1, 0}, {true, false}},
-        {"a tie broken", {0, 0, 1}, {0, 1, 2}, {true, false, true}},
-        {"distinct levels merged", {0, 1, 2}, {4, 4, 4}, {true, false, false}},
-        {"a tied bucket outweighs one record", {0, 0, 0, 1, 1}, {5, 5, 2, 6, 6}, {true, true, false, true, true}},
-        {"one out of order in the middle", {0, 1, 2, 3, 4}, {0, 3, 1, 2, 4}, {true, false, true, true, true}},
-        {"nothing", {}, {}, {}},
-    };
-    for (const auto& c : cases) EXPECT_EQ(KeepConsistentPriorities(c.a, c.b), c.keep) << c.name;
-}
-
 // Every subset of small random GEOs: the kept set must be consistent, as large as any
 // consistent set, and the one that keeps the earliest records among those.
 TEST(KeepConsistentPrioritiesTest, AgreesWithExhaustiveSearch) {
@@ -239,6 +209,7 @@ TEST(KeepConsistentPrioritiesTest, AgreesWithExhaustiveSearch) {
         EXPECT_EQ(KeepConsistentPriorities(a, b), best)
             << "a=" << testing::PrintToString(a) << " b=" << testing::PrintToString(b);
     }
+    EXPECT_TRUE(KeepConsistentPriorities({}, {}).empty());
 }
 
 }  // namespace

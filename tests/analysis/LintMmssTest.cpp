@@ -1,9 +1,9 @@
 // The MMSS lint rules: MLPL records against the MSPL they point into, PLMNs listed twice, MSPL
-// tables ending on "More" or sharing an identifier.
+// tables ending on "More" or sharing an identifier. A policy grades them as it grades every rule
+// (LintPolicyTest).
 #include <gtest/gtest.h>
 
 #include "analysis/MmssLint.h"
-#include "analysis/Policy.h"
 #include "mmss/Mlpl/MlplData.h"
 #include "mmss/Mspl/MsplData.h"
 #include "mmss/Mspl/MsplRecord.h"
@@ -87,19 +87,6 @@ TEST(LintMmssTest, PlmnListedTwice) {
     EXPECT_EQ(run(Plmn::kUplmn, {{k310, k260, 0, 1, 0}, {k310, k260, 1, 1, 0}, {k310, k260, 0, 0, 0},
                                  {k310, k260, 0, 0, 0}}),
               (W{"record #1", "record #3"}));
-}
-
-TEST(LintMmssTest, PolicyGradesMmssRules) {
-    Policy policy;
-    std::string error;
-    ASSERT_TRUE(ParsePolicy(R"({"rules": {"mspl-more-at-end": "error", "mspl-duplicate-id": "off"}})",
-                            policy, error))
-        << error;
-    auto findings = LintMspl(MakeMspl({{"1", {1}}, {"1", {0}}}));
-    FinishFindings(findings, &policy);
-    ASSERT_EQ(findings.size(), 1u);
-    EXPECT_EQ(findings[0].rule, "mspl-more-at-end");
-    EXPECT_EQ(findings[0].severity, Severity::Error);
 }
 
 }  // namespace

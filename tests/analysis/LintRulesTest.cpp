@@ -14,9 +14,11 @@ using Test::PcsChannels;
 using Test::Sid;
 using Test::SysCommon;
 
+using Where = std::vector<std::string>;
+
 // Where `rule` fired, as "system #3", in the order reported.
-std::vector<std::string> Fired(const CRLData& list, const std::string& rule) {
-    std::vector<std::string> out;
+Where Fired(const CRLData& list, const std::string& rule) {
+    Where out;
     for (const auto& f : LintRoamingList(list, 0)) {
         if (f.rule != rule) continue;
         out.push_back(f.Where());
@@ -25,179 +27,134 @@ std::vector<std::string> Fired(const CRLData& list, const std::string& rule) {
     return out;
 }
 
-using Where = std::vector<std::string>;
-
-struct RuleCase {
-    const char* name;
-    const char* rule;
-    json acq, sys;
-    Where expected;
-    int version = 3;
-    int defRoamInd = 1;
-};
-
-json Subnet(const char* subnet, bool geoNew, int assnTag) {
-    json r = SysCommon(1, true, geoNew, false, 0);
-    r["subnet"] = subnet;
-    r["assnIncluded"] = 1;
-    r["assnTag"] = assnTag;
+// SID records of any NID, preferred (P) or negative (N), opening a GEO (kNew) or not (kSame).
+constexpr bool kNew = true, kSame = false;
+json P(unsigned sid, bool geoNew, int acq = 0, int roamInd = 1) { return Sid(sid, 65535, true, geoNew, false, acq, roamInd); }
+json N(unsigned sid, bool geoNew, int acq = 0, int roamInd = 1) { return Sid(sid, 65535, false, geoNew, false, acq, roamInd); }
+json More(json r) {
+    r["priority"] = 1;
     return r;
 }
 
-json SidIncl(unsigned sid, unsigned nidIncl, unsigned nid, bool geoNew) {
-    json r = Sid(sid, nid, true, geoNew, false, 0);
+json Subnet(bool geoNew, int assnTag) {
+    json r = SysCommon(1, true, geoNew, false, 0);
+    r.update({{"subnet", "2001:db8::/32"}, {"assnIncluded", 1}, {"assnTag", assnTag}});
+    return r;
+}
+
+json SidIncl(unsigned nidIncl, unsigned nid) {
+    json r = Sid(1, nid, true, true, false, 0);
     r["nidIncl"] = nidIncl;
     return r;
 }
 
-const json kJtacsStandard = {{"type", 7}, {"system", 0}, {"channel", 1}};
-
 TEST(LintRulesTest, EachRuleFiresWhereItShouldAndNowhereElse) {
     const json P25 = PcsChannels({25}), P50 = PcsChannels({50});
-    const RuleCase cases[] = {
-        {"acquisition nobody uses", "unused-acquisition", {P25, P50, P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(2, 65535, true, false, false, 2)},
-         {"acquisition #1"}},
-        {"every acquisition used", "unused-acquisition", {P25, P50},
-         {Sid(1, 65535, true, true, false, 1), Sid(2, 65535, false, false, false, 0)}, {}},
-
-        {"same acquisition twice", "duplicate-acquisition", {P25, P50, P25, P25},
-         {Sid(1, 65535, true, true, false, 0)}, {"acquisition #2", "acquisition #3"}},
-        {"same channels under another type", "duplicate-acquisition",
-         {P25, CellularCustom({25})}, {Sid(1, 65535, true, true, false, 0)}, {}},
-
-        {"same system twice in a GEO", "duplicate-system", {P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(2, 65535, true, false, false, 0),
-          Sid(1, 65535, true, false, false, 0)},
-         {"system #2"}},
-        {"acquisition content counts, not its index", "duplicate-system", {P25, P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, false, false, 1)}, {"system #1"}},
-        {"same system in another GEO", "duplicate-system", {P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 0)}, {}},
-        {"preferred with another roaming indicator", "duplicate-system", {P25},
-         {Sid(1, 65535, true, true, false, 0, 1), Sid(1, 65535, true, false, false, 0, 2)}, {}},
-        {"negative records ignore the roaming indicator", "duplicate-system", {P25},
-         {Sid(1, 65535, false, true, false, 0, 1), Sid(1, 65535, false, false, false, 0, 2)},
-         {"system #1"}},
-        {"same subnet, other association tag", "duplicate-system", {P25},
-         {Subnet("2001:db8::/32", true, 1), Subnet("2001:db8::/32", false, 2)}, {}},
-        {"same subnet, same association tag", "duplicate-system", {P25},
-         {Subnet("2001:db8::/32", true, 1), Subnet("2001:db8::/32", false, 1)}, {"system #1"}},
-
-        {"preferred then negative", "conflicting-system", {P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, false, false, false, 0)}, {"system #1"}},
-        {"negative then preferred, then both again", "conflicting-system", {P25},
-         {Sid(1, 65535, false, true, false, 0), Sid(1, 65535, true, false, false, 0),
-          Sid(1, 65535, false, false, false, 0)},
-         {"system #1", "system #2"}},
-        {"other GEO", "conflicting-system", {P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, false, true, false, 0)}, {}},
-        {"other NID", "conflicting-system", {P25},
-         {Sid(1, 5, true, true, false, 0), Sid(1, 6, false, false, false, 0)}, {}},
-
-        {"same SID/NID, same channel, two GEOs", "ambiguous-geo", {P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 0)}, {"system #1"}},
-        {"same SID in two GEOs on different channels", "ambiguous-geo", {P25, P50},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 1)}, {}},
-        {"same SID twice in one GEO", "ambiguous-geo", {P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, false, false, 0)}, {}},
-        {"other NID on the same channel", "ambiguous-geo", {P25},
-         {Sid(1, 5, true, true, false, 0), Sid(1, 6, true, true, false, 0)}, {}},
-        {"NID 0 written two ways", "ambiguous-geo", {P25},
-         {SidIncl(1, 2, 77, true), SidIncl(1, 1, 0, true)}, {"system #1"}},
-        {"wildcard written two ways", "ambiguous-geo", {P25},
-         {SidIncl(1, 0, 12, true), SidIncl(1, 1, 65535, true)}, {"system #1"}},
-        {"whole-band JTACS meets one JTACS channel", "ambiguous-geo",
-         {kJtacsStandard, {{"type", 8}, {"channels", {100}}}},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 1)}, {"system #1"}},
-        {"a third GEO repeats only the second one's channel", "ambiguous-geo", {P25, P50},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 1),
-          Sid(1, 65535, true, false, false, 0), Sid(1, 65535, true, true, false, 1)},
-         {"system #2", "system #3"}},
-        {"channels around but not on each other's", "ambiguous-geo",
-         {PcsChannels({25, 27}), PcsChannels({26}), PcsChannels({24}), PcsChannels({24, 25, 26})},
-         {Sid(1, 65535, true, true, false, 0), Sid(1, 65535, true, true, false, 1),
-          Sid(1, 65535, true, true, false, 2), Sid(1, 65535, true, true, false, 3)},
-         {"system #3"}},
-        {"other record types are not compared", "ambiguous-geo", {P25},
-         {Subnet("2001:db8::/32", true, 1), Subnet("2001:db8::/32", true, 1)}, {}},
-
-        {"GEO of negative records", "geo-without-preferred", {P25},
-         {Sid(1, 65535, true, true, false, 0), Sid(2, 65535, false, true, false, 0),
-          Sid(3, 65535, false, false, false, 0), Sid(4, 65535, true, true, false, 0)},
-         {"system #1"}},
-        {"every GEO prefers something", "geo-without-preferred", {P25},
-         {Sid(1, 65535, false, true, false, 0), Sid(2, 65535, true, false, false, 0)}, {}},
-
-        {"More on the last record of a GEO", "priority-at-geo-end", {P25},
-         {Sid(1, 65535, true, true, true, 0), Sid(2, 65535, true, false, false, 0),
-          Sid(3, 65535, true, true, false, 0), Sid(4, 65535, true, false, true, 0),
-          Sid(5, 65535, true, true, true, 0)},
-         {"system #3", "system #4"}},
-        {"More inside a GEO, or on a negative last record", "priority-at-geo-end", {P25},
-         {Sid(1, 65535, true, true, true, 0), Sid(2, 65535, false, false, true, 0)}, {}},
-
-        {"reserved indicators", "reserved-roaming-indicator", {P25},
-         {Sid(1, 65535, true, true, false, 0, 13), Sid(2, 65535, true, false, false, 0, 63),
-          Sid(3, 65535, false, false, false, 0, 40), Sid(4, 65535, true, false, false, 0, 12),
-          Sid(5, 65535, true, false, false, 0, 64)},
-         {"header", "system #0", "system #1"}, 3, 20},
-        {"standard and operator indicators", "reserved-roaming-indicator", {P25},
-         {Sid(1, 65535, true, true, false, 0, 0), Sid(2, 65535, true, false, false, 0, 255)}, {}, 3, 64},
-    };
-    for (const auto& c : cases) {
-        auto list = JsonList(c.acq, c.sys, c.version, false, c.defRoamInd);
-        EXPECT_EQ(Fired(*list, c.rule), c.expected) << c.name;
-    }
-}
-
-TEST(LintRulesTest, ChannelOutOfBandByBandLimits) {
     struct Case {
-        json record;
-        bool fires;
-    };
-    auto pair = [](int band, int channel) {
-        return json{{"type", 10}, {"pairs", {{{"bandClass", band}, {"channel", channel}}}}};
+        const char* name;
+        const char* rule;
+        json acq, sys;
+        Where expected;
+        int defRoamInd = 1;
     };
     const Case cases[] = {
-        {CellularCustom({1, 799, 991, 1023}), false},
-        {CellularCustom({0}), true},
-        {CellularCustom({283, 800}), true},
-        {CellularCustom({990}), true},
-        {CellularCustom({1024}), true},
-        {PcsChannels({0, 1199}), false},
-        {PcsChannels({1200}), true},
-        {pair(0, 799), false},
-        {pair(0, 800), true},
-        {pair(1, 1200), true},
-        {pair(3, 1500), false},  // other bands are not judged
-        {{{"type", 11}, {"pairs", {{{"bandClass", 0}, {"channel", 0}}}}}, true},
-        {{{"type", 8}, {"channels", {1500}}}, false},
+        {"acquisition nobody uses", "unused-acquisition", {P25, P50, P25}, {P(1, kNew), P(2, kSame, 2)}, {"acquisition #1"}},
+        {"every acquisition used", "unused-acquisition", {P25, P50}, {P(1, kNew, 1), N(2, kSame)}, {}},
+
+        {"same acquisition twice", "duplicate-acquisition", {P25, P50, P25, P25}, {P(1, kNew)},
+         {"acquisition #2", "acquisition #3"}},
+        {"same channels under another type", "duplicate-acquisition", {P25, CellularCustom({25})}, {P(1, kNew)}, {}},
+
+        {"same system twice in a GEO", "duplicate-system", {P25}, {P(1, kNew), P(2, kSame), P(1, kSame)}, {"system #2"}},
+        {"acquisition content counts, not its index", "duplicate-system", {P25, P25}, {P(1, kNew), P(1, kSame, 1)},
+         {"system #1"}},
+        {"same system in another GEO", "duplicate-system", {P25}, {P(1, kNew), P(1, kNew)}, {}},
+        {"preferred with another roaming indicator", "duplicate-system", {P25}, {P(1, kNew, 0, 1), P(1, kSame, 0, 2)}, {}},
+        {"negative records ignore the roaming indicator", "duplicate-system", {P25},
+         {N(1, kNew, 0, 1), N(1, kSame, 0, 2)}, {"system #1"}},
+        {"same subnet, other association tag", "duplicate-system", {P25}, {Subnet(kNew, 1), Subnet(kSame, 2)}, {}},
+        {"same subnet, same association tag", "duplicate-system", {P25}, {Subnet(kNew, 1), Subnet(kSame, 1)}, {"system #1"}},
+
+        {"preferred then negative", "conflicting-system", {P25}, {P(1, kNew), N(1, kSame)}, {"system #1"}},
+        {"negative then preferred, then both again", "conflicting-system", {P25}, {N(1, kNew), P(1, kSame), N(1, kSame)},
+         {"system #1", "system #2"}},
+        {"other GEO", "conflicting-system", {P25}, {P(1, kNew), N(1, kNew)}, {}},
+        {"other NID", "conflicting-system", {P25}, {Sid(1, 5, true, true, false, 0), Sid(1, 6, false, false, false, 0)}, {}},
+
+        {"same SID/NID, same channel, two GEOs", "ambiguous-geo", {P25}, {P(1, kNew), P(1, kNew)}, {"system #1"}},
+        {"same SID in two GEOs on different channels", "ambiguous-geo", {P25, P50}, {P(1, kNew), P(1, kNew, 1)}, {}},
+        {"same SID twice in one GEO", "ambiguous-geo", {P25}, {P(1, kNew), P(1, kSame)}, {}},
+        {"other NID on the same channel", "ambiguous-geo", {P25},
+         {Sid(1, 5, true, true, false, 0), Sid(1, 6, true, true, false, 0)}, {}},
+        {"NID 0 written two ways", "ambiguous-geo", {P25}, {SidIncl(2, 77), SidIncl(1, 0)}, {"system #1"}},
+        {"wildcard written two ways", "ambiguous-geo", {P25}, {SidIncl(0, 12), SidIncl(1, 65535)}, {"system #1"}},
+        {"whole-band JTACS meets its last channel", "ambiguous-geo",
+         {{{"type", 7}, {"system", 0}, {"channel", 1}}, {{"type", 8}, {"channels", {2047}}}},
+         {P(1, kNew), P(1, kNew, 1)}, {"system #1"}},
+        {"a third GEO repeats only the second one's channel", "ambiguous-geo", {P25, P50},
+         {P(1, kNew), P(1, kNew, 1), P(1, kSame), P(1, kNew, 1)}, {"system #2", "system #3"}},
+        {"channels around but not on each other's", "ambiguous-geo",
+         {PcsChannels({25, 27}), PcsChannels({26}), PcsChannels({24}), PcsChannels({24, 25, 26})},
+         {P(1, kNew), P(1, kNew, 1), P(1, kNew, 2), P(1, kNew, 3)}, {"system #3"}},
+        {"other record types are not compared", "ambiguous-geo", {P25}, {Subnet(kNew, 1), Subnet(kNew, 1)}, {}},
+
+        {"GEO of negative records", "geo-without-preferred", {P25}, {P(1, kNew), N(2, kNew), N(3, kSame), P(4, kNew)},
+         {"system #1"}},
+        {"every GEO prefers something", "geo-without-preferred", {P25}, {N(1, kNew), P(2, kSame)}, {}},
+
+        {"More on the last record of a GEO", "priority-at-geo-end", {P25},
+         {More(P(1, kNew)), P(2, kSame), P(3, kNew), More(P(4, kSame)), More(P(5, kNew))}, {"system #3", "system #4"}},
+        {"More inside a GEO, or on a negative last record", "priority-at-geo-end", {P25}, {More(P(1, kNew)), More(N(2, kSame))},
+         {}},
+
+        {"reserved indicators 13 to 63", "reserved-roaming-indicator", {P25},
+         {P(1, kNew, 0, 13), P(2, kSame, 0, 63), N(3, kSame, 0, 40), P(4, kSame, 0, 12), P(5, kSame, 0, 64)},
+         {"header", "system #0", "system #1"}, 13},
+        {"standard and operator indicators", "reserved-roaming-indicator", {P25}, {P(1, kNew, 0, 0), P(2, kSame, 0, 255)},
+         {}, 12},
+        {"the default indicator past the reserved ones", "reserved-roaming-indicator", {P25}, {P(1, kNew)}, {}, 64},
+        {"the default indicator at the last reserved one", "reserved-roaming-indicator", {P25}, {P(1, kNew)}, {"header"}, 63},
     };
-    for (const auto& c : cases) {
-        auto list = JsonList(json::array({c.record}), json::array({Sid(1, 65535, true, true, false, 0)}), 5);
-        EXPECT_EQ(Fired(*list, "channel-out-of-band"), c.fires ? Where{"acquisition #0"} : Where{})
-            << c.record.dump();
+    for (const auto& c : cases) EXPECT_EQ(Fired(*JsonList(c.acq, c.sys, 3, false, c.defRoamInd), c.rule), c.expected) << c.name;
+}
+
+// Each band's first and last channels pass, the ones just outside them fire, and the message
+// names every channel at fault once per record.
+TEST(LintRulesTest, ChannelOutOfBandAtEachBandsLimits) {
+    auto pair = [](int type, int band, int channel) {
+        return json{{"type", type}, {"pairs", {{{"bandClass", band}, {"channel", channel}}}}};
+    };
+    const std::pair<json, const char*> cases[] = {  // the record, the finding ("" none)
+        {CellularCustom({1, 799, 991, 1023}), ""},
+        {CellularCustom({0}), "channel 0 outside band 0 (1-799, 991-1023)"},
+        {CellularCustom({0, 283, 800}), "channels 0, 800 outside band 0 (1-799, 991-1023)"},
+        {CellularCustom({990, 1024}), "channels 990, 1024 outside band 0 (1-799, 991-1023)"},
+        {PcsChannels({0, 1199}), ""},
+        {PcsChannels({1200}), "channel 1200 outside band 1 (0-1199)"},
+        {pair(10, 0, 799), ""},
+        {pair(10, 0, 800), "band 0 channel 800 (band 0 has 1-799, 991-1023)"},
+        {pair(10, 1, 1199), ""},
+        {pair(10, 1, 1200), "band 1 channel 1200 (band 1 has 0-1199)"},
+        {pair(10, 3, 1500), ""},  // other bands are not judged
+        {pair(11, 0, 0), "band 0 channel 0 (band 0 has 1-799, 991-1023)"},
+        {{{"type", 8}, {"channels", {1500}}}, ""},
+    };
+    for (const auto& [record, message] : cases) {
+        auto list = JsonList(json::array({record}), json::array({Sid(1, 65535, true, true, false, 0)}), 5);
+        std::vector<std::string> found;
+        for (const auto& f : LintRoamingList(*list, 0))
+            if (f.rule == "channel-out-of-band") found.push_back(f.Where() + ": " + f.message + " " + SeverityName(f.severity));
+        EXPECT_EQ(found, *message ? Where{std::string("acquisition #0: ") + message + " error"} : Where{}) << record.dump();
     }
-    // The message names every channel at fault, once per record.
-    auto list = JsonList(json::array({CellularCustom({0, 283, 800})}),
-                         json::array({Sid(1, 65535, true, true, false, 0)}));
-    auto findings = LintRoamingList(*list, 0);
-    ASSERT_FALSE(findings.empty());
-    EXPECT_EQ(findings[0].message, "channels 0, 800 outside band 0 (1-799, 991-1023)");
-    EXPECT_EQ(findings[0].severity, Severity::Error);
 }
 
 TEST(LintRulesTest, MessagesNameTheRecordsAndValues) {
     auto list = JsonList(json::array({PcsChannels({25, 26})}),
-                         json::array({Sid(4106, 65535, true, true, false, 0),
-                                      Sid(4106, 65535, true, true, false, 0)}));
+                         json::array({Sid(4106, 65535, true, true, false, 0), Sid(4106, 65535, true, true, false, 0)}));
     std::vector<std::string> messages;
     for (const auto& f : LintRoamingList(*list, 0))
         if (f.rule == "ambiguous-geo") messages.push_back(f.message);
-    EXPECT_EQ(messages, std::vector<std::string>{
-                            "SID 4106 NID 65535 in GEO 1 also stands in system #0 of GEO 0, and "
-                            "both scan band 1: 25-26"});
+    EXPECT_EQ(messages, Where{"SID 4106 NID 65535 in GEO 1 also stands in system #0 of GEO 0, and both scan band 1: 25-26"});
 }
 
 TEST(LintRulesTest, FindingsSortedByTableThenIndexThenRule) {

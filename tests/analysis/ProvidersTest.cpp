@@ -1,3 +1,5 @@
+// The operators and countries behind SIDs and MCC-MNCs: the provider database read to its limits,
+// what a missing or malformed source leaves, and the labels the outputs show.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -15,8 +17,8 @@ namespace {
 namespace fs = std::filesystem;
 
 // A database shaped like the installed one: a SID claimed by two providers, names in several
-// languages, MNCs of two and three digits, and values a careless edit leaves behind.
-const char* const kProvidersXml = R"(<?xml version="1.0" encoding="utf-8"?>
+// languages, MNCs of two and three digits, values at their limits and past them.
+const std::string kProvidersXml = R"(<?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE serviceproviders SYSTEM "serviceproviders.2.dtd">
 <serviceproviders format="2.0">
 <country code="us">
@@ -28,9 +30,11 @@ const char* const kProvidersXml = R"(<?xml version="1.0" encoding="utf-8"?>
   </provider>
   <provider>
     <name>Shared &amp; Co</name>
-    <cdma><sid value="4139"/><sid value="99999"/><sid value="x1"/></cdma>
+    <cdma><sid value="4139"/><sid value="0"/><sid value="32767"/><sid value="32768"/><sid value="x1"/></cdma>
+    <gsm><network-id mcc="310" mnc="1"/><network-id mcc="310" mnc="1234"/><network-id mcc="31" mnc="00"/></gsm>
   </provider>
   <provider><name>No Networks</name><cdma/></provider>
+  <provider><name>)" + std::string(201, 'n') + R"(</name><cdma><sid value="7"/></cdma></provider>
 </country>
 <country code="ca">
   <name>Kanada</name>
@@ -50,110 +54,80 @@ const char* const kCountriesJson = R"({"3166-1": [
   {"alpha_2": "CA", "name": "Canada, Dominion of", "common_name": "Canada"}
 ]})";
 
-class ProvidersTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        dir_ = fs::temp_directory_path() /
-               ("tarn-providers-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(dir_);
-        Write("providers.xml", kProvidersXml);
-        Write("countries.json", kCountriesJson);
-    }
-    void TearDown() override { fs::remove_all(dir_); }
-    std::string Write(const std::string& name, const std::string& text) {
-        std::ofstream(dir_ / name, std::ios::binary) << text;
-        return (dir_ / name).string();
-    }
-    std::string Path(const std::string& name) const { return (dir_ / name).string(); }
-    ProviderDirectory LoadGood(std::vector<std::string>& warnings) {
-        return ProviderDirectory::Load(Path("providers.xml"), Path("countries.json"), warnings);
-    }
-
-    fs::path dir_;
-};
-
 std::vector<std::string> Names(const std::vector<Operator>& ops) {
     std::vector<std::string> out;
     for (const auto& op : ops) out.push_back(op.name + "|" + op.countryCode + "|" + op.countryName);
     return out;
 }
 
-TEST_F(ProvidersTest, LooksUpSidsAndMccMncs) {
+TEST(ProvidersTest, LooksUpSidsAndMccMncs) {
     std::vector<std::string> warnings;
-    const ProviderDirectory dir = LoadGood(warnings);
-    ASSERT_FALSE(dir.Empty());
-    // The two bad SIDs of "Shared & Co" are skipped with one warning, and nothing else fails.
-    ASSERT_EQ(warnings.size(), 1u);
-    EXPECT_NE(warnings[0].find("2 SID or MCC/MNC value(s)"), std::string::npos) << warnings[0];
+    const auto dir = ProviderDirectory::Parse(kProvidersXml, kCountriesJson, "providers.xml", warnings);
+    // SID 32768 and x1, MNCs 1 and 1234 and MCC 31 are skipped with one warning.
+    EXPECT_EQ(warnings, std::vector<std::string>{
+                            "providers.xml: 5 SID or MCC/MNC value(s) that are not numbers in range were skipped"});
     EXPECT_EQ(dir.Warnings(), warnings);
 
     using V = std::vector<std::string>;
-    struct Case {
-        const char* what;
-        std::vector<Operator> got;
-        V want;
-    } cases[] = {
-        {"SID claimed twice", dir.ForSid(4139),
-         V{"Verizon Wireless|US|United States", "Shared & Co|US|United States"}},
-        {"untranslated name wins", dir.ForSid(22), V{"Verizon Wireless|US|United States"}},
-        {"unknown SID", dir.ForSid(4140), V{}},
-        {"three-digit MNC", dir.ForMccMnc("311", "480"), V{"Verizon Wireless|US|United States"}},
-        {"common name of the country", dir.ForMccMnc("302", "720"), V{"Rogers|CA|Canada"}},
-        {"two-digit MNC as written", dir.ForMccMnc("302", "20"), V{"Rogers|CA|Canada"}},
-        {"two-digit MNC spelt with three", dir.ForMccMnc("302", "020"), V{"Rogers|CA|Canada"}},
-        {"three-digit spelling finds two", dir.ForMccMnc("901", "005"), V{"Nowhere Mobile|ZZ|ZZ"}},
-        {"other MNC", dir.ForMccMnc("901", "06"), V{}},
-        {"country unknown to ISO list", dir.ForMccMnc("901", "05"), V{"Nowhere Mobile|ZZ|ZZ"}},
-        {"not digits", dir.ForMccMnc("3a2", "20"), V{}},
-        {"MNC wildcard", dir.ForMccMnc("302", "FF"), V{}},
+    const V shared{"Shared & Co|US|United States"};
+    const std::pair<std::vector<Operator>, V> cases[] = {
+        {dir.ForSid(4139), V{"Verizon Wireless|US|United States", "Shared & Co|US|United States"}},
+        {dir.ForSid(22), V{"Verizon Wireless|US|United States"}},  // the untranslated name wins
+        {dir.ForSid(0), shared},
+        {dir.ForSid(32767), shared},
+        {dir.ForSid(32768), V{}},
+        {dir.ForSid(7), V{std::string(200, 'n') + "|US|United States"}},  // names stop at 200 bytes
+        {dir.ForSid(4140), V{}},
+        {dir.ForMccMnc("311", "480"), V{"Verizon Wireless|US|United States"}},
+        {dir.ForMccMnc("302", "720"), V{"Rogers|CA|Canada"}},  // the common name of the country
+        {dir.ForMccMnc("302", "20"), V{"Rogers|CA|Canada"}},
+        {dir.ForMccMnc("302", "020"), V{"Rogers|CA|Canada"}},  // a two-digit MNC spelt with three
+        {dir.ForMccMnc("901", "005"), V{"Nowhere Mobile|ZZ|ZZ"}},  // and the other way; no ISO name
+        {dir.ForMccMnc("901", "06"), V{}},
+        {dir.ForMccMnc("310", "1"), V{}},
+        {dir.ForMccMnc("3a2", "20"), V{}},
+        {dir.ForMccMnc("302", "FF"), V{}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(Names(c.got), c.want);
-    }
+    for (size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(Names(cases[i].first), cases[i].second) << "case " << i;
 }
 
-TEST_F(ProvidersTest, MissingAndMalformedFilesGiveAnEmptyDirectory) {
-    struct Case {
-        const char* what;
-        const char* xml;  // nullptr: the file does not exist
-        size_t warnings;
-    } cases[] = {
-        {"missing file", nullptr, 0},
-        {"not XML", "this is not < xml", 1},
-        {"truncated", "<serviceproviders><country code=\"us\"><provider>", 1},
-        {"another document", "<?xml version=\"1.0\"?><html><body/></html>", 1},
-        {"empty", "", 1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        const std::string path = c.xml ? Write("bad.xml", c.xml) : Path("absent.xml");
-        std::vector<std::string> warnings;
-        const auto dir = ProviderDirectory::Load(path, Path("countries.json"), warnings);
-        EXPECT_TRUE(dir.Empty());
-        EXPECT_TRUE(dir.ForSid(4139).empty());
-        ASSERT_EQ(warnings.size(), c.warnings);
-        if (c.warnings) {
-            EXPECT_NE(warnings[0].find("bad.xml"), std::string::npos) << warnings[0];
-        }
-        fs::remove(Path("bad.xml"));
+TEST(ProvidersTest, MissingMalformedOrOversizedSourcesLeaveNamesOut) {
+    std::vector<std::string> warnings;
+    // A database past 32 MiB is not handed to the parser.
+    EXPECT_TRUE(ProviderDirectory::Parse(kProvidersXml + std::string((32u << 20) + 1 - kProvidersXml.size(), ' '), "",
+                                         "big.xml", warnings).Empty());
+    EXPECT_EQ(warnings.back(), "big.xml: too large for a provider database; operator names are left out");
+    for (const char* xml : {"this is not < xml", "<serviceproviders><country code=\"us\"><provider>",
+                            "<?xml version=\"1.0\"?><html><body/></html>", ""}) {
+        warnings.clear();
+        const auto dir = ProviderDirectory::Parse(xml, kCountriesJson, "bad.xml", warnings);
+        EXPECT_TRUE(dir.Empty()) << xml;
+        ASSERT_EQ(warnings.size(), 1u) << xml;
+        EXPECT_EQ(warnings[0].rfind("bad.xml: not a provider database (", 0), 0u) << warnings[0];
     }
-}
-
-TEST_F(ProvidersTest, CountryNamesFallBackToTheDatabaseWhenTheIsoListIsMissingOrBad) {
-    for (const char* json : {static_cast<const char*>(nullptr), "[1, 2", "{\"3166-1\": 5}"}) {
-        SCOPED_TRACE(json ? json : "missing");
-        const std::string countries = json ? Write("c.json", json) : Path("absent.json");
-        std::vector<std::string> warnings;
-        const auto dir = ProviderDirectory::Load(Path("providers.xml"), countries, warnings);
+    // Without country names (none given, or a list that is not one) the database's own stand in.
+    for (const char* json : {"", "[1, 2", "{\"3166-1\": 5}"}) {
+        warnings.clear();
+        const auto dir = ProviderDirectory::Parse(kProvidersXml, json, "providers.xml", warnings);
         EXPECT_EQ(Names(dir.ForMccMnc("302", "720")), std::vector<std::string>{"Rogers|CA|Kanada"});
         EXPECT_EQ(Names(dir.ForSid(22)), std::vector<std::string>{"Verizon Wireless|US|US"});
-        EXPECT_EQ(warnings.size(), json ? 2u : 1u);  // the bad SIDs, and the bad country list
+        EXPECT_EQ(warnings.size(), *json ? 2u : 1u);  // the skipped values, and the bad country list
     }
+    // Files: a missing database is no warning, a missing country list no names.
+    const fs::path dir = fs::temp_directory_path() /
+                         ("tarn-providers-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
+    fs::create_directories(dir);
+    std::ofstream(dir / "p.xml") << kProvidersXml;
+    warnings.clear();
+    EXPECT_TRUE(ProviderDirectory::Load((dir / "absent.xml").string(), "", warnings).Empty());
+    EXPECT_TRUE(warnings.empty());
+    const auto loaded = ProviderDirectory::Load((dir / "p.xml").string(), (dir / "absent.json").string(), warnings);
+    EXPECT_EQ(Names(loaded.ForSid(22)), std::vector<std::string>{"Verizon Wireless|US|US"});
+    EXPECT_EQ(warnings.at(0).rfind("p.xml: 5 SID", 0), 0u);
+    fs::remove_all(dir);
 }
 
-TEST_F(ProvidersTest, EntitiesAreNeverExpanded) {
+TEST(ProvidersTest, EntitiesAreNeverExpanded) {
     // A nest of entities that would grow to gigabytes if expanded, and an external one that
     // would read a local file.
     std::string xml = "<?xml version=\"1.0\"?>\n<!DOCTYPE serviceproviders [\n"
@@ -163,24 +137,18 @@ TEST_F(ProvidersTest, EntitiesAreNeverExpanded) {
         for (int i = 0; i < 10; ++i) xml += std::string("&") + static_cast<char>(c - 1) + ";";
         xml += "\">\n";
     }
-    xml += "<!ENTITY ext SYSTEM \"file://" + Path("providers.xml") + "\">\n]>\n"
+    xml += "<!ENTITY ext SYSTEM \"file://" TARN_EXAMPLES_DIR "/example-is683e.json\">\n]>\n"
            "<serviceproviders><country code=\"us\"><provider><name>X &k; &ext;</name>"
            "<cdma><sid value=\"7\"/></cdma></provider></country></serviceproviders>";
     std::vector<std::string> warnings;
-    const auto dir = ProviderDirectory::Parse(xml, kCountriesJson, "hostile.xml", warnings);
-    const auto ops = dir.ForSid(7);
-    if (!ops.empty()) {
-        EXPECT_LT(ops[0].name.size(), 100u);
-        EXPECT_EQ(ops[0].name.find("Verizon"), std::string::npos);
-    } else {
-        EXPECT_FALSE(warnings.empty());  // refused outright is as good
-    }
+    const auto ops = ProviderDirectory::Parse(xml, kCountriesJson, "hostile.xml", warnings).ForSid(7);
+    if (!ops.empty()) EXPECT_LT(ops[0].name.size(), 100u) << ops[0].name;
+    else EXPECT_FALSE(warnings.empty());  // refused outright is as good
 }
 
-TEST_F(ProvidersTest, RecordsNameTheirOperators) {
+TEST(ProvidersTest, RecordsNameTheirOperators) {
     std::vector<std::string> warnings;
-    const ProviderDirectory dir = LoadGood(warnings);
-
+    const auto dir = ProviderDirectory::Parse(kProvidersXml, kCountriesJson, "providers.xml", warnings);
     CSysItemIS2000 is2000;
     is2000.SetSid(4139);
     CSysItemIS2000Mcc mcc1x;
@@ -200,36 +168,21 @@ TEST_F(ProvidersTest, RecordsNameTheirOperators) {
     selectMode.SetPlmn({3, 0, 2}, {7, 2, 0});
 
     const std::string both = "Verizon Wireless / Shared & Co (United States)";
-    struct Case {
-        const char* what;
-        const CSysItem& item;
-        std::string label;
-        size_t count;
-    } cases[] = {
-        {"IS-2000 SID", is2000, both, 2},
-        {"1x-MCC", mcc1x, "Rogers (Canada)", 1},
-        {"MCC-MNC with SIDs", mccMnc, both, 2},
-        {"MCC-MNC without an MNC", bareMcc, "", 0},
-        {"PLMN", plmn, "Rogers (Canada)", 1},
-        {"PLMN select mode", selectMode, "", 0},
+    const std::pair<const CSysItem*, std::string> cases[] = {
+        {&is2000, both}, {&mcc1x, "Rogers (Canada)"}, {&mccMnc, both},
+        {&bareMcc, ""},  {&plmn, "Rogers (Canada)"},  {&selectMode, ""},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        const auto ops = OperatorsForRecord(dir, c.item);
-        EXPECT_EQ(ops.size(), c.count);
-        EXPECT_EQ(OperatorLabel(ops), c.label);
-    }
+    for (const auto& [item, label] : cases) EXPECT_EQ(OperatorLabel(OperatorsForRecord(dir, *item)), label);
+    EXPECT_EQ(OperatorsForRecord(dir, mccMnc).size(), 2u);
 }
 
 TEST(OperatorLabels, GroupByCountryInOrder) {
-    const std::vector<Operator> ops = {{"A", "US", "United States"},
-                                       {"C", "CA", "Canada"},
-                                       {"B", "US", "United States"}};
+    const std::vector<Operator> ops = {{"A", "US", "United States"}, {"C", "CA", "Canada"}, {"B", "US", "United States"}};
     EXPECT_EQ(OperatorLabel(ops), "A / B (United States) / C (Canada)");
     EXPECT_EQ(CountryLabel(ops), "United States / Canada");
+    EXPECT_EQ(OperatorNames(ops), "A / C / B");
     EXPECT_EQ(OperatorLabel({}), "");
-    EXPECT_EQ(OperatorsJson({ops[1]}),
-              nlohmann::json::parse(R"([{"name":"C","country":"CA","countryName":"Canada"}])"));
+    EXPECT_EQ(OperatorsJson({ops[1]}), nlohmann::json::parse(R"([{"name":"C","country":"CA","countryName":"Canada"}])"));
     EXPECT_EQ(OperatorsJson({}), nlohmann::json::array());
 }
 

@@ -74,6 +74,8 @@ TEST(RecordSearchTest, FindsRecordsByWhatEngineersKnowThemBy) {
         {"ch 25 band 1", {0}, {0, 2, 6}},
         {"band 0 channel 25", {}, {}},
         {"51", {2, 3}, {}},
+        {"2047", {2}, {}},  // the last channel there is
+        {"310-12", {}, {5}},  // a two-digit MNC is not the start of PLMN 310-120
         // Operator names and countries, any case, every word.
         {"verizon", {}, {0}},
         {"UNITED states", {}, {0, 3}},
@@ -97,15 +99,19 @@ TEST(RecordSearchTest, FindsRecordsByWhatEngineersKnowThemBy) {
     EXPECT_TRUE(unnamed.Find(q).systems.empty());
 }
 
-TEST(RecordSearchTest, RefusesQueriesThatCannotMatch) {
-    const std::pair<const char*, const char*> cases[] = {
+TEST(RecordSearchTest, ReadsQueriesToTheirLimitsAndRefusesPastThem) {
+    const std::pair<const char*, const char*> cases[] = {  // query, the error ("" reads)
+        {"sid 32767 nid 65535 65535 channel 2047 band 31 ch 0 mcc 999 mnc 99 mnc 999 subnet ::/0 ::1/128", ""},
         {"sid 32768", "SID 32768 is out of range (0 - 32767)"},
+        {"nid 65536", "NID 65536 is out of range (0 - 65535)"},
         {"sid four", "SID \"four\" is not a number"},
         {"sid", "\"sid\" needs a value after it"},
-        {"70000", "70000 is larger than any SID, NID or channel"},
+        {"65536", "65536 is larger than any SID, NID or channel"},
         {"channel 2048", "channel 2048 is out of range (0 - 2047)"},
+        {"band 32 channel 1", "band class 32 is out of range (0 - 31)"},
         {"band 1", "a band needs a channel"},
         {"mcc 31", "MCC \"31\" must be three digits"},
+        {"mnc 1", "MNC \"1\" must be two or three digits"},
         {"mnc 1234", "MNC \"1234\" must be two or three digits"},
         {"2001:zz::/32", "is not an IPv6 address"},
         {"subnet 2001:db8::/129", "subnet length 129 is out of range"},
@@ -113,7 +119,7 @@ TEST(RecordSearchTest, RefusesQueriesThatCannotMatch) {
     for (const auto& [query, message] : cases) {
         SearchQuery q;
         std::string error;
-        EXPECT_FALSE(ParseSearchQuery(query, q, error)) << query;
+        EXPECT_EQ(ParseSearchQuery(query, q, error), !*message) << query;
         EXPECT_NE(error.find(message), std::string::npos) << query << ": " << error;
     }
 }
