@@ -86,12 +86,6 @@ std::string Entry::Check(int tab) const {
     return {};
 }
 
-size_t Data::RecordCount() const {
-    size_t count = 0;
-    for (const auto& entry : entries) count += entry.records.GetSize();
-    return count;
-}
-
 uint32_t Data::Read(CRLFile& file) {
     entries.clear();
     file.Seek(2);

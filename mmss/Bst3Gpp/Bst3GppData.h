@@ -44,7 +44,6 @@ class Data {
 public:
     std::vector<Entry> entries;
 
-    size_t RecordCount() const;
     // From byte 2: the 16-bit entry count and the entries.
     uint32_t Read(CRLFile& file);
     uint32_t Write(CRLFile& file) const;

@@ -53,7 +53,7 @@ std::vector<std::string> Document::KindProblems() const {
 
 std::vector<std::string> Document::Info() const {
     return {"Version: " + header.version, "Entries: " + std::to_string(data.entries.size()),
-            "Records: " + std::to_string(data.RecordCount())};
+            "Records: " + std::to_string(RecordCount())};
 }
 
 std::vector<Mmss::FormField> Document::TabForm() const {

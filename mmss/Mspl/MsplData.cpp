@@ -19,12 +19,6 @@ CRLItemList& Data::AddId(const std::string& id) {
     return lists.back();
 }
 
-size_t Data::RecordCount() const {
-    size_t count = 0;
-    for (const auto& list : lists) count += list.GetSize();
-    return count;
-}
-
 uint32_t Data::Read(CRLFile& file) {
     ids.clear();
     lists.clear();
@@ -60,7 +54,9 @@ uint32_t Data::Write(CRLFile& file) const {
     return static_cast<uint32_t>(bits);
 }
 
-std::string Data::CheckId(const std::string& id, size_t tab) {
+namespace {
+
+std::string CheckId(const std::string& id, size_t tab) {
     if (id.empty()) return "No Mspl Id entered in Tab " + std::to_string(tab);
     // Signed on purpose: "-1" or "abc" pass and are written as their low eight bits.
     if (Mmss::ParseDecimal(id) > 255)
@@ -68,22 +64,14 @@ std::string Data::CheckId(const std::string& id, size_t tab) {
     return {};
 }
 
+}  // namespace
+
 std::string Data::CheckIds(const std::vector<std::string>& tabIds) {
     for (size_t i = 0; i < tabIds.size(); ++i) {
         std::string message = CheckId(tabIds[i], i + 1);
         if (!message.empty()) return message;
     }
     return {};
-}
-
-bool Data::TakeIdsFromTabs(const std::vector<std::string>& tabIds, std::string& message) {
-    for (size_t i = 0; i < tabIds.size(); ++i) {
-        message = CheckId(tabIds[i], i + 1);
-        if (!message.empty()) return false;
-        if (ids.size() <= i) ids.resize(i + 1);
-        ids[i] = tabIds[i];
-    }
-    return true;
 }
 
 void SaveFile(CRLFile& file, const Header& header, const Data& data) {

@@ -27,14 +27,12 @@ struct Header : Mmss::FormHeader<Header> {
 
 class Data {
 public:
-    // Identifier strings and record lists by tab; the lists may outnumber the strings while the
-    // editor is still taking the identifiers over from its tabs.
+    // Identifier strings and record lists, one of each by tab (AddId keeps them in step).
     std::vector<std::string> ids;
     std::vector<CRLItemList> lists;
 
     // Appends an identifier with an empty record list.
     CRLItemList& AddId(const std::string& id);
-    size_t RecordCount() const;
 
     // Reads from byte 0: MSPL_SIZE, then from byte 5 the identifiers and their records.
     uint32_t Read(CRLFile& file);
@@ -42,13 +40,8 @@ public:
     // 24 + records + pad. Writes nothing (0 bits) when a list has no identifier string.
     uint32_t Write(CRLFile& file) const;
 
-    // Takes the identifiers typed on the tabs (tabs numbered from 1), stopping at the first bad
-    // one with its message; identifiers of earlier tabs are already taken then.
-    bool TakeIdsFromTabs(const std::vector<std::string>& tabIds, std::string& message);
     // The message of the first bad identifier, or empty.
     static std::string CheckIds(const std::vector<std::string>& tabIds);
-    // The message of a bad identifier on tab `tab` (from 1), or empty.
-    static std::string CheckId(const std::string& id, size_t tab);
 };
 
 // Header writer + body writer + size word, as a save does.

@@ -48,7 +48,7 @@ std::vector<std::string> Document::KindProblems() const {
 std::vector<std::string> Document::Info() const {
     return {"MMSS revision: " + header.revision, "MSPL version: " + header.version,
             "MSPL ids: " + std::to_string(data.ids.size()),
-            "Records: " + std::to_string(data.RecordCount())};
+            "Records: " + std::to_string(RecordCount())};
 }
 
 std::vector<Mmss::FormField> Document::TabForm() const {

@@ -109,16 +109,6 @@ TEST(Laf, ByteOrderMarkAndEndOfFileBytesOpenWithANoticeOtherBytesAreRefused) {
     }
 }
 
-TEST(Laf, RecordWritesItsLineWithCrLf) {
-    LAF::LafRecord r;
-    r.sid = 4096;
-    r.bid = 23;
-    r.cnt = 1;
-    CRLFile file;
-    EXPECT_EQ(r.Write(file), 29u * 8);
-    EXPECT_EQ(file.Bytes(), Bytes("SID=4096,NID=0,BID=23,CNT=1\r\n"));
-}
-
 TEST(Laf, GridEntriesAreCheckedStrictly) {
     struct Case {
         int column;

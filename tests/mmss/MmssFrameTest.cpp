@@ -53,14 +53,5 @@ TEST(MmssFrame, RecordListOfZeroRecordsIsOneCountByte) {
     EXPECT_THROW(Mmss::WriteRecordList(file, list), Mmss::FormatError);
 }
 
-TEST(MmssFrame, BodyPadAndSizeWord) {
-    CRLFile file;
-    file.WriteBits(17, 0x1FFFF);
-    EXPECT_EQ(Mmss::PadBody(file, 17), 7u);
-    EXPECT_EQ(Mmss::PadBody(file, 24), 0u);
-    Mmss::PatchSizeWord(file, 24, "MSPL");
-    EXPECT_EQ(file.Bytes(), (std::vector<uint8_t>{0x00, 0x03, 0x80}));
-}
-
 }  // namespace
 }  // namespace Tarn

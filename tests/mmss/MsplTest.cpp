@@ -53,21 +53,6 @@ TEST(Mspl, RecordIs23BitsWithNetworkCapAnd17Without) {
     }
 }
 
-TEST(Mspl, TwoIdsWithOneNotPresentRecordEachMakeA15ByteFile) {
-    Mspl::Document doc;
-    doc.header.SetValues({"1", "2"});
-    doc.data.AddId("10").Add(MakeRecord(1, 1));
-    doc.data.AddId("11").Add(MakeRecord(2, 1));
-    CRLFile file;
-    EXPECT_EQ(doc.data.Write(file), 96u);  // 24 + 2 * (8 + 8 + 17) = 90, padded
-    std::vector<uint8_t> bytes;
-    std::string error;
-    ASSERT_TRUE(doc.Write(bytes, error)) << error;
-    ASSERT_EQ(bytes.size(), 15u);
-    EXPECT_EQ(bytes[0], 0);
-    EXPECT_EQ(bytes[1], 15);
-}
-
 TEST(Mspl, UnnamedNetworkCapShowsInvalidAndIsSavedWithoutIt) {
     // One id with one record: SYS_TYPE 0, then IND 1 and NETWORK_CAP 3.
     const auto bytes = Hex("00 0B 01 00 01 01 04 01 00 00 86");
@@ -144,12 +129,6 @@ TEST(Mspl, SaveChecksNameTheFieldAndTheTab) {
         for (const auto& p : doc.Check()) messages.push_back(p.message);
         EXPECT_EQ(messages, c.messages);
     }
-
-    Mspl::Data data;
-    std::string message;
-    EXPECT_FALSE(data.TakeIdsFromTabs({"7", "300", "9"}, message));
-    EXPECT_EQ(message, "Invalid Mspl Id value in Tab 2The range is 0 - 255");
-    EXPECT_EQ(data.ids, std::vector<std::string>{"7"}) << "earlier tabs are already taken";
 
     Mspl::Document empty;
     empty.header.SetValues({"1", "1"});
