@@ -61,40 +61,29 @@ TEST(Mlpl, LocationFieldsAreWrittenInPlainDigitOrder) {
 TEST(Mlpl, TagBodiesAndTagSizes) {
     struct Case {
         const char* name;
-        std::function<void(Mlpl::Record&)> fill;
+        Mlpl::Record tag;
+        const char* subnet;  // set by text when not null
         uint8_t tagSize;
         std::vector<uint8_t> bytes;
     };
+    Mlpl::Record sidNid, plmn, subnet, wimax;
+    sidNid.sysType = 3, sidNid.sidStart = 0x7FFF, sidNid.nidStart = 0x1234, sidNid.nidRange = 9;
+    plmn.sysType = 7, plmn.mcc = {3, 1, 1}, plmn.mnc = {4, 8, 0}, plmn.plmnRange = 2;
+    subnet.sysType = 4;
+    wimax.sysType = 2;
     const Case cases[] = {
-        {"SID/NID",
-         [](Mlpl::Record& t) {
-             t.sysType = 3;
-             t.sidStart = 0x7FFF;
-             t.nidStart = 0x1234;
-             t.nidRange = 9;
-         },
-         40, Hex("03 28 7F FF 12 34 09")},
-        {"PLMN 311-480 in 3GPP nibble order",
-         [](Mlpl::Record& t) {
-             t.sysType = 7;
-             t.mcc = {3, 1, 1};
-             t.mnc = {4, 8, 0};
-             t.plmnRange = 2;
-         },
-         32, Hex("07 20 13 01 84 02")},
-        {"20-bit subnet: 8 + 20 + 4 bits",
-         [](Mlpl::Record& t) {
-             t.sysType = 4;
-             bool bad;
-             ASSERT_TRUE(t.SetSubnetText("abcd:e000::/20", bad));
-         },
-         32, Hex("04 20 14 AB CD E0")},
-        {"WiMAX has no body", [](Mlpl::Record& t) { t.sysType = 2; }, 0, Hex("02 00")},
+        {"SID/NID", sidNid, nullptr, 40, Hex("03 28 7F FF 12 34 09")},
+        {"PLMN 311-480 in 3GPP nibble order", plmn, nullptr, 32, Hex("07 20 13 01 84 02")},
+        {"20-bit subnet: 8 + 20 + 4 bits", subnet, "abcd:e000::/20", 32, Hex("04 20 14 AB CD E0")},
+        {"WiMAX has no body", wimax, nullptr, 0, Hex("02 00")},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        Mlpl::Record tag;
-        c.fill(tag);
+        Mlpl::Record tag = c.tag;
+        bool bad = false;
+        if (c.subnet) {
+            ASSERT_TRUE(tag.SetSubnetText(c.subnet, bad));
+        }
         EXPECT_EQ(tag.ComputeTagSize(), c.tagSize);
         CRLFile file;
         EXPECT_EQ(tag.Write(file), c.bytes.size() * 8);
