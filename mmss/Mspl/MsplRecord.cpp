@@ -17,13 +17,6 @@ const Mmss::NameTables& Names() {
     return Mmss::NameTables::Instance();
 }
 
-int ByName(const CNameList& names, const std::string& name) {
-    int value = 0;
-    if (!names.FindValue(name, value))
-        throw CDataException(kError, "(" + names.Title() + " \"" + name + "\" is unknown)");
-    return value;
-}
-
 }  // namespace
 
 const std::vector<std::string>& Record::GridHeadings() {
