@@ -482,7 +482,7 @@ std::string ReadText(const fs::path& path, std::vector<std::string>& errors) {
     std::vector<uint8_t> bytes;
     std::string error;
     if (!ReadWholeFile(path, bytes, error)) {
-        errors.push_back(path.string() + ": " + error);
+        errors.push_back(error);  // the message names the file
         return {};
     }
     return std::string(bytes.begin(), bytes.end());

@@ -96,7 +96,8 @@ const CommandRegistrar kDiff(90, "diff", [](CLI::App& app) {
     sub->add_flag("--behaviour,--behavior", args->behaviour,
                   "Compare what handsets do with the two roaming lists, for every system they "
                   "could find, instead of their records");
-    sub->add_option("--part", args->part, "Which list of concatenated roaming lists: 1 or 2");
+    sub->add_option("--part", args->part, "Which list of concatenated roaming lists: 1 or 2")
+        ->check(CLI::Range(1, 2));
     sub->add_option("--color", args->color, "Colour the text: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
     args->providers.AddTo(sub);

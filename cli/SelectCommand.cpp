@@ -115,7 +115,7 @@ const CommandRegistrar kRegistrar(35, "select", [](CLI::App& app) {
                     "CSV file of observations (header sid,nid,mcc,mnc,subnet,band,channel); "
                     "one result a line");
     sub->add_option("--part", a->part, "Which list of a concatenated file: 1 or 2")
-        ->check(CLI::IsMember({1, 2}));
+        ->check(CLI::Range(1, 2));
     sub->add_flag("--json", a->json, "One JSON object (JSON Lines for --observations)");
     a->providers.AddTo(sub);
     return std::function<int()>([a] { return RunSelect(*a); });

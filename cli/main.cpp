@@ -42,6 +42,12 @@ int main(int argc, char** argv) {
     const RegisteredCommand* named = nullptr;
     for (const auto& command : commands)
         if (argc > 1 && command.name == argv[1]) named = &command;
+    // A first word that is neither an option nor a verb is named, rather than reported as a
+    // missing verb.
+    if (!named && argc > 1 && argv[1][0] != '-') {
+        PrintError("", std::string("\"") + argv[1] + "\" is not a command; \"tarn-cli --help\" lists them.");
+        return kExitUsage;
+    }
     std::vector<std::pair<CLI::App*, std::function<int()>>> actions;
     for (auto& command : commands) {
         if (named && &command != named) continue;

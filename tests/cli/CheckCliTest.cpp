@@ -66,7 +66,8 @@ TEST(CliCheck, NoticesSayWhatOpeningTheFileTells) {
 
 TEST(CliCheck, UsageHelpAndVersion) {
     Expect({"check"}, 2, {"FILE is required"});
-    Expect({"frobnicate"}, 2, {"A subcommand is required"});
+    Expect({"frobnicate"}, 2, {"tarn-cli: \"frobnicate\" is not a command; \"tarn-cli --help\" lists them.\n"});
+    Expect({}, 2, {"A subcommand is required"});
     Expect({"--help"}, 0, {"check", "select", "optimize"});
     Expect({"--version"}, 0, {"tarn-cli 2.7"});
 }

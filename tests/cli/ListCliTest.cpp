@@ -155,7 +155,7 @@ TEST(CliList, ReadersTakeFilesUpToTheirSizeLimitAndNoMore) {
         {json, kDefault, 1, "tarn-cli: build: " + json + ": not valid JSON\n"},
         {json, kDefault + 1, 1, "tarn-cli: build: " + tooLarge(kDefault + 1, json)},
         {table, kDefault, 1, "system.csv:1:1: a cell longer than 65536 bytes\n"},
-        {table, kDefault + 1, 1, table + ": " + tooLarge(kDefault + 1, table)},
+        {table, kDefault + 1, 1, "tarn-cli: build: " + tooLarge(kDefault + 1, table)},
         {xml, kXml, 0, "tarn-cli: info: warning: big.xml: not a provider database (Document is empty"},
         {xml, kXml + 1, 0, "tarn-cli: info: warning: " + tooLarge(kXml + 1, xml)},
     };

@@ -115,16 +115,16 @@ TEST(CliSelect, OptionsTakeTheirWholeRangeAndBadInputIsRefused) {
         {Select({dir.File("missing.prl"), "--sid", "1"}), 1, "missing.prl"},
         {Select({kListE, "--sid", "1", "--part", "2"}), 1, "--part 2"},
         {Select({joined, "--sid", "1", "--part", "2"}), 0, "SID 1: "},
-        {Select({joined, "--sid", "1", "--part", "3"}), 2, "--part: 3 not in {1,2}"},
-        {Select({joined, "--sid", "1", "--part", "0"}), 2, "--part: 0 not in {1,2}"},
+        {Select({joined, "--sid", "1", "--part", "3"}), 2, "--part: Value 3 not in range 1 to 2"},
+        {Select({joined, "--sid", "1", "--part", "0"}), 2, "--part: Value 0 not in range 1 to 2"},
         {{"lint", joined, "--part", "2"}, 0, ": 0 errors"},
         {{"lint", joined, "--part", "3"}, 2, "--part: Value 3 not in range 1 to 2"},
         {{"lint", joined, "--part", "0"}, 2, "--part: Value 0 not in range 1 to 2"},
         {{"csv", joined, "-o", out, "--part", "2"}, 0, ""},
         {{"xlsx", joined, "-o", out + ".xlsx", "--part", "3"}, 2, "--part: Value 3 not in range 1 to 2"},
         {{"diff", joined, joined, "--part", "2"}, 0, ""},
-        {{"diff", joined, joined, "--part", "3"}, 2, "tarn-cli: diff: --part must be 1 or 2\n"},
-        {{"diff", joined, joined, "--part", "0"}, 2, "tarn-cli: diff: --part must be 1 or 2\n"},
+        {{"diff", joined, joined, "--part", "3"}, 2, "--part: Value 3 not in range 1 to 2"},
+        {{"diff", joined, joined, "--part", "0"}, 2, "--part: Value 0 not in range 1 to 2"},
     };
     for (const auto& c : cases) {
         const CliResult r = Expect(c.args, c.status, {c.message});
