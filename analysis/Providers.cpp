@@ -21,8 +21,10 @@
 namespace Tarn::Analysis {
 namespace {
 
-// The installed database is about 1 MB; anything far beyond that is not a provider file.
-constexpr uint64_t kMaxXmlBytes = 32ull * 1024 * 1024;
+// The installed database is under half a megabyte; anything far beyond that is not a provider
+// file. The limit also stays below the size from which libxml2 refuses a document unless its
+// hardening limits are switched off, so every file under it is really read.
+constexpr uint64_t kMaxXmlBytes = 8ull * 1024 * 1024;
 constexpr uint64_t kMaxJsonBytes = 8ull * 1024 * 1024;
 // A name longer than this is not a name a grid cell or a report line should carry.
 constexpr size_t kMaxNameLength = 200;

@@ -93,9 +93,11 @@ TEST(ProvidersTest, LooksUpSidsAndMccMncs) {
 
 TEST(ProvidersTest, MissingMalformedOrOversizedSourcesLeaveNamesOut) {
     std::vector<std::string> warnings;
-    // A database past 32 MiB is not handed to the parser.
-    EXPECT_TRUE(ProviderDirectory::Parse(kProvidersXml + std::string((32u << 20) + 1 - kProvidersXml.size(), ' '), "",
-                                         "big.xml", warnings).Empty());
+    // A database of 8 MiB is read whole; one byte more is not handed to the parser.
+    const std::string padded = kProvidersXml + std::string((8u << 20) - kProvidersXml.size(), ' ');
+    EXPECT_FALSE(ProviderDirectory::Parse(padded, "", "big.xml", warnings).Empty());
+    for (const auto& w : warnings) EXPECT_EQ(w.find("not a provider database"), std::string::npos) << w;
+    EXPECT_TRUE(ProviderDirectory::Parse(padded + ' ', "", "big.xml", warnings).Empty());
     EXPECT_EQ(warnings.back(), "big.xml: too large for a provider database; operator names are left out");
     for (const char* xml : {"this is not < xml", "<serviceproviders><country code=\"us\"><provider>",
                             "<?xml version=\"1.0\"?><html><body/></html>", ""}) {

@@ -140,7 +140,7 @@ TEST(CliList, ReadersTakeFilesUpToTheirSizeLimitAndNoMore) {
         {table, {"build", csv, "-o", out}},
         {xml, {"info", kListE, "--systems", "--providers", xml}},
     };
-    const uintmax_t kDefault = uintmax_t{64} << 20, kPolicy = uintmax_t{1} << 20, kXml = uintmax_t{32} << 20;
+    const uintmax_t kDefault = uintmax_t{64} << 20, kPolicy = uintmax_t{1} << 20, kXml = uintmax_t{8} << 20;
     const auto tooLarge = [](uintmax_t size, const std::string& path) {
         return "File too large (" + std::to_string(size) + " bytes): " + path + "\n";
     };
