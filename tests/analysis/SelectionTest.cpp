@@ -35,8 +35,11 @@ json Record(int type, bool pref, bool geoNew, bool more, int acq, json fields) {
 // specific, "l" lost as later in the list, "c" lost as not scanning the channel.
 std::string Fared(const SelectionResult& r) {
     std::string out;
-    for (const auto& c : r.candidates)
-        out += (out.empty() ? "" : " ") + std::to_string(c.index) + "*csl"[static_cast<int>(c.lost)];
+    for (const auto& c : r.candidates) {
+        if (!out.empty()) out += ' ';
+        out += std::to_string(c.index);
+        out += "*csl"[static_cast<int>(c.lost)];
+    }
     return out;
 }
 
