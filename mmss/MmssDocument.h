@@ -146,6 +146,34 @@ auto Guarded(Fn&& read, std::string& error) -> decltype(read()) {
     return nullptr;
 }
 
+// ---- Tab fields ---------------------------------------------------------------------------------
+
+// One field of a tab: as the form shows it, and where the tab's part of the file keeps it.
+template <typename T>
+struct TabField {
+    FormField form;
+    std::string T::*value;
+};
+
+template <typename T, size_t N>
+std::vector<FormField> TabFormOf(const std::array<TabField<T>, N>& fields) {
+    std::vector<FormField> form;
+    for (const auto& f : fields) form.push_back(f.form);
+    return form;
+}
+template <typename T, size_t N>
+std::vector<std::string> TabValuesOf(const T& tab, const std::array<TabField<T>, N>& fields) {
+    std::vector<std::string> values;
+    for (const auto& f : fields) values.push_back(tab.*f.value);
+    return values;
+}
+template <typename T, size_t N>
+void SetTabValues(T& tab, const std::vector<std::string>& values,
+                  const std::array<TabField<T>, N>& fields) {
+    for (size_t i = 0; i < N; ++i)
+        tab.*fields[i].value = i < values.size() ? values[i] : std::string();
+}
+
 // ---- Header fields ------------------------------------------------------------------------------
 
 // One field of a kind's header, as the file, the form, the checks and the JSON form know it.

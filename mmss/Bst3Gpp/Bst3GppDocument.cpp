@@ -10,7 +10,13 @@
 namespace Tarn::Bst3Gpp {
 namespace {
 constexpr DataError kError = DataError::InvalidAcqTable;
-}
+
+const std::array<Mmss::TabField<Entry>, 3> kTabFields = {{
+    {{"type", "Type :", 3, {"bst type"}, "1"}, &Entry::type},
+    {{"extension", "Extension :", 3, {"extension"}, "0"}, &Entry::extension},
+    {{"mcc", "Mcc :", 3, {"mcc"}, ""}, &Entry::mcc},
+}};
+}  // namespace
 
 void Document::ReadJson(const nlohmann::json& json, const std::string&) {
     header.FromJson(json, kError);
@@ -57,21 +63,16 @@ std::vector<std::string> Document::Info() const {
 }
 
 std::vector<Mmss::FormField> Document::TabForm() const {
-    return {{"type", "Type :", 3, {"bst type"}, "1"},
-            {"extension", "Extension :", 3, {"extension"}, "0"},
-            {"mcc", "Mcc :", 3, {"mcc"}, ""}};
+    return Mmss::TabFormOf(kTabFields);
 }
 
 std::vector<std::string> Document::TabValues(size_t tab) const {
-    const Entry& entry = data.entries.at(tab);
-    return {entry.type, entry.extension, entry.mcc};
+    return Mmss::TabValuesOf(data.entries.at(tab), kTabFields);
 }
 
 CRLItemList& Document::AddTab(const std::vector<std::string>& values) {
     Entry& entry = data.entries.emplace_back();
-    entry.type = values.size() > 0 ? values[0] : std::string();
-    entry.extension = values.size() > 1 ? values[1] : std::string();
-    entry.mcc = values.size() > 2 ? values[2] : std::string();
+    Mmss::SetTabValues(entry, values, kTabFields);
     return entry.records;
 }
 

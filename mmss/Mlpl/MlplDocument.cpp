@@ -10,7 +10,13 @@
 namespace Tarn::Mlpl {
 namespace {
 constexpr DataError kError = DataError::InvalidSystem;
-}
+
+const std::array<Mmss::TabField<Location>, 3> kTabFields = {{
+    {{"mcc", "Mcc :", 3, {"mcc"}, ""}, &Location::mcc},
+    {{"mnc", "Mnc :", 3, {"mnc"}, ""}, &Location::mnc},
+    {{"msplIndex", "Mspl Index :", 3, {"msplindex"}, "0"}, &Location::msplIndex},
+}};
+}  // namespace
 
 void Document::ReadJson(const nlohmann::json& json, const std::string&) {
     header.FromJson(json, kError);
@@ -59,21 +65,16 @@ std::vector<std::string> Document::Info() const {
 }
 
 std::vector<Mmss::FormField> Document::TabForm() const {
-    return {{"mcc", "Mcc :", 3, {"mcc"}, ""},
-            {"mnc", "Mnc :", 3, {"mnc"}, ""},
-            {"msplIndex", "Mspl Index :", 3, {"msplindex"}, "0"}};
+    return Mmss::TabFormOf(kTabFields);
 }
 
 std::vector<std::string> Document::TabValues(size_t tab) const {
-    const Location& location = data.records.at(tab);
-    return {location.mcc, location.mnc, location.msplIndex};
+    return Mmss::TabValuesOf(data.records.at(tab), kTabFields);
 }
 
 CRLItemList& Document::AddTab(const std::vector<std::string>& values) {
     Location& location = data.records.emplace_back();
-    location.mcc = values.size() > 0 ? values[0] : std::string();
-    location.mnc = values.size() > 1 ? values[1] : std::string();
-    location.msplIndex = values.size() > 2 ? values[2] : std::string();
+    Mmss::SetTabValues(location, values, kTabFields);
     return location.tags;
 }
 
