@@ -135,40 +135,6 @@ TEST(CommandLineProgram, RunsUnattended) {
 
 // ---- Templates and the choice of template -----------------------------------------------------
 
-TEST(Templates, RuleAAndRuleBOnQuirkyPaths) {
-    AppFixture f;
-    struct Case {
-        const char* path;
-        int ruleA, ruleB;
-    };
-    const Case cases[] = {
-        {"", 1, 1},
-        {"list.PRL", 1, 1},
-        {"list.rl5", 1, 1},
-        {"list.bin", 1, 1},
-        {"list.hin", 0, 0},
-        {"noextension", 0, 0},
-        {"list.txt", 2, 2},
-        // Mixed case misses every substring of rule B and still opens as MSPL through rule A.
-        {"x.MsPl", 3, 3},
-        {"x.BST3GPP", 4, 4},
-        {"x.mlpl", 5, 5},
-        {"x.UPLMN", 6, 6},
-        {"x.tot", 7, 7},
-        // "laf" is left out of rule A on purpose; rule B reaches it by its extension.
-        {"x.LAF", 0, 8},
-        // Rule B searches the whole path, folders included.
-        {"archive.tot/list.prl", 1, 7},
-        {"dir.mspl/list.txt", 2, 3},
-        {"a.mlpl.prl", 1, 5},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.path);
-        EXPECT_EQ(f.app->TemplateNumber(f.app->TemplateByExtension(c.path)), c.ruleA);
-        EXPECT_EQ(f.app->TemplateNumber(f.app->TemplateForOpen(c.path)), c.ruleB);
-    }
-}
-
 TEST(Templates, FileOpenAndDropRefuseWhatNoTemplateTakes) {
     AppFixture f;
     AppTest::WriteBytes(f.Path("dropped.prl"), AppTest::EmptyListBytes(3));
