@@ -186,6 +186,9 @@ CMainFrame::~CMainFrame() {
     destroying_ = true;
     qApp->disconnect(this);
     mdi_->disconnect(this);
+    // A header field that loses its focus as the window goes still commits its edit, which
+    // moves the document's undo stack.
+    for (CDocument* doc : app_.Documents()) doc->UndoStack().disconnect(this);
 }
 
 QAction* CMainFrame::Action(int id) const {

@@ -94,7 +94,8 @@ TEST(SysItemBinary, EditedMccAndImsiAreFoldedIntoSidAndNid) {
         CRLFile again(c.bytes);
         again.SetVersion(1);
         uint32_t bits = 0;
-        const auto& back = dynamic_cast<const CSysItemIS2000Mcc&>(*ReadOne(again, 1, bits));
+        const auto read = ReadOne(again, 1, bits);
+        const auto& back = dynamic_cast<const CSysItemIS2000Mcc&>(*read);
         EXPECT_EQ(back.GetMcc(), c.mcc);
         EXPECT_EQ(back.GetImsi(), c.imsi);
         EXPECT_EQ(back.GetSid(), c.sid);
