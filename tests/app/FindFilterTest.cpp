@@ -93,14 +93,6 @@ TEST(FindFilter, GeoColumnsAndStatusFollowTheListAndNeverReachTheFile) {
     o.view->Find()->SetQuery("channel 25");
     ASSERT_TRUE(o.doc->OnSaveDocument(o.f.Path("again.prl")));
     EXPECT_EQ(AppTest::ReadBytes(o.f.Path("again.prl")), o.bytes);
-
-    // A row being typed leaves the list unwritable: the status says so instead of old figures,
-    // and the GEO fields moved down with their rows.
-    o.Sys().InsertRows(0, 1, "Insert");
-    o.view->Facts().Refresh();
-    EXPECT_TRUE(o.view->Facts().StatusText().contains("Not writable as it stands"));
-    EXPECT_TRUE(o.Info(0).isEmpty());
-    EXPECT_EQ(o.Info(151).front(), "1");
 }
 
 TEST(FindFilter, FindStepsThroughBothGridsAndGoToReachesRecordsAndGeos) {
@@ -124,7 +116,7 @@ TEST(FindFilter, FindStepsThroughBothGridsAndGoToReachesRecordsAndGeos) {
     EXPECT_EQ(o.view->AcqView()->Grid()->CurrentRow(), 2);
     ASSERT_TRUE(find.Next());
     EXPECT_EQ(o.SysGrid().CurrentRow(), 2);
-    find.SetQuery("channel 50");
+    ASSERT_TRUE(find.Previous());
     ASSERT_TRUE(find.Previous());
     EXPECT_EQ(o.SysGrid().CurrentRow(), 2999);
     EXPECT_TRUE(find.StatusText().startsWith("1001 of 1001"));
@@ -211,9 +203,6 @@ TEST(FindFilter, FilterHidesRowsAndEditsThroughItReachTheirRecord) {
     bar.Clear();
     EXPECT_EQ(filter->rowCount(), kSystems);
     EXPECT_FALSE(filter->IsFiltering());
-    bar.SetText("sid 4106");
-    EXPECT_EQ(filter->rowCount(), 1);
-    bar.SetText("");
     bar.SetAcquisition(2);
     EXPECT_EQ(filter->rowCount(), kSystems / 3);
     bar.SetText("sid 12345678");

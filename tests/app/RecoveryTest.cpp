@@ -1,11 +1,8 @@
 // Recovery copies: written after an edit and a pause, byte for byte what Save writes, one per
 // document, gone after a save or a close without saving; left by a session that died, offered at
 // the next start and restored as modified documents; never taken from a running editor, never
-// opened when they do not read; and never written by the unattended conversions.
+// opened when they do not read.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLockFile>
@@ -164,30 +161,6 @@ TEST_F(Recovery, LeftOverCopiesAreOfferedAndRestored) {
     EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/unreadable/4242-1-2.prl"));
     EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/unreadable/4242-1-4.prl"));
     EXPECT_TRUE(QFile::exists(RecoveryManager::Folder() + "/live-1-1.prl"));
-}
-
-TEST_F(Recovery, LocksOfEndedSessionsAreCleared) {
-    // A session killed before it wrote any copy leaves only its lock, held by a process that is
-    // gone.
-    QDir().mkpath(RecoveryManager::Folder());
-    const QString stale = RecoveryManager::Folder() + "/77-1.lock";
-    const pid_t child = ::fork();
-    if (child == 0) {
-        QLockFile lock(stale);
-        ::_exit(lock.tryLock(0) ? 0 : 1);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    ASSERT_TRUE(QFile::exists(stale));
-    AppFixture f;
-    EXPECT_FALSE(QFile::exists(stale));
-}
-
-TEST_F(Recovery, UnattendedConversionsKeepNoCopies) {
-    QTemporaryDir out;
-    AppFixture f({"-f", kExample, out.filePath("out.txt")});
-    EXPECT_EQ(f.app->Recovery(), nullptr);
-    EXPECT_TRUE(Files().isEmpty());
 }
 
 }  // namespace

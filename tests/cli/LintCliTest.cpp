@@ -79,14 +79,6 @@ TEST(CliLint, PolicyOption) {
     Expect({"lint", l.clean, "--policy", l.dir.File("none.json")}, 2, {"No such file"});
 }
 
-TEST(CliLint, NamesOperatorsBesideSystems) {
-    Lists l;
-    WriteText(l.dir / "p.xml", R"(<?xml version="1.0"?><serviceproviders format="2.0"><country code="us">
-        <provider><name>Seven Mobile</name><cdma><sid value="7"/></cdma></provider></country></serviceproviders>)");
-    Expect({"lint", l.error, "--providers", l.dir.File("p.xml")}, 1,
-           {"system #1: SID 7 NID 65535 (Seven Mobile (United States)) is negative"});
-}
-
 TEST(CliLint, JsonOneObjectOrOneLinePerFile) {
     Lists l;
     WriteText(l.dir / "policy.json", R"({"prefOnly": true})");

@@ -1,11 +1,9 @@
-// System::Io::File and the whole-file helpers: open dispositions and sharing, streams that keep
-// their place, the text of every refusal, reads capped at a size, and writes that never leave half
-// a file behind.
+// System::Io::File's open dispositions, and the whole-file helpers the readers use: reads capped
+// at a size, and writes that never leave half a file behind.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -16,7 +14,6 @@
 #include "foundation/AtomicFile.h"
 #include "foundation/Exception.h"
 #include "foundation/File.h"
-#include "foundation/FileSystem.h"
 
 namespace {
 
@@ -24,8 +21,6 @@ namespace fs = std::filesystem;
 using System::Io::Access;
 using System::Io::Disposition;
 using System::Io::File;
-using System::Io::Options;
-using System::Io::Origin;
 using System::Io::Sharing;
 
 class FileTest : public ::testing::Test {
@@ -112,112 +107,6 @@ TEST_F(FileTest, OpenDispositions) {
         } else {
             EXPECT_FALSE(fs::exists(p));
         }
-    }
-}
-
-TEST_F(FileTest, EmptyPathsFoldersAndMissingFilesAreRefused) {
-    File f;
-    EXPECT_EQ(messageOf([&] { f.open("", Access::ReadWrite, 0, Disposition::CreateNew, Sharing::DenyNone); }),
-              std::string("Failed to Open File \"\": ") + Lang::errnoText(ENOENT));
-    EXPECT_EQ(messageOf([&] { f.open("", Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone); }),
-              "File:  does not exist.");
-    EXPECT_EQ(messageOf([&] { f.open(dir_, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone); }),
-              "Failed to Open File \"" + dir_.string() + "\": " + Lang::errnoText(EACCES));
-    EXPECT_FALSE(f.isOpen());
-    for (const fs::path& p : {dir_, dir_ / "none"})
-        EXPECT_EQ(messageOf([&] { System::FileSystem::getFileSize(p); }), "Failed to get size: Not a file");
-    const fs::path p = make("sized", std::string(1234, 'z'));
-    EXPECT_EQ(System::FileSystem::getFileSize(p), 1234u);
-    System::FileSystem::deleteFile(p);
-    EXPECT_FALSE(System::FileSystem::exists(p));
-    EXPECT_EQ(messageOf([&] { System::FileSystem::deleteFile(p); }),
-              "Failed to Delete File \"" + p.string() + "\": " + Lang::errnoText(ENOENT));
-}
-
-TEST_F(FileTest, ClosedFilesNullBuffersAndTheWrongDirectionAreRefused) {
-    File f;
-    char byte = 0;
-    for (const auto& call : std::vector<std::function<void()>>{
-             [&] { f.read(&byte, 1); }, [&] { f.write(&byte, 1); }, [&] { f.seek(0, Origin::Begin); },
-             [&] { f.flush(); }, [&] { (void)f.eof(); }})
-        EXPECT_EQ(messageOf(call), "file is not open");
-    EXPECT_NO_THROW(f.close());
-
-    const fs::path p = make("b", "x");
-    f.open(p, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone);
-    EXPECT_EQ(messageOf([&] { f.open(p, Access::Read, 0, Disposition::OpenExisting, Sharing::DenyNone); }),
-              "File already open");
-    EXPECT_EQ(messageOf([&] { f.read(nullptr, 1); }), "read buffer is NULL");
-    EXPECT_EQ(messageOf([&] { f.write(nullptr, 1); }), "write buffer is NULL");
-    EXPECT_EQ(messageOf([&] { f.write("x", 1); }), "fwrite failed: " + std::string(Lang::errnoText(EBADF)));
-    EXPECT_EQ(f.read(&byte, 1), 1u);  // the first open stays usable
-    EXPECT_EQ(byte, 'x');
-
-    File out;
-    out.open(p, Access::Write, 0, Disposition::OpenExisting, Sharing::DenyNone);
-    EXPECT_EQ(messageOf([&] { out.read(&byte, 1); }), "fread failed: " + std::string(Lang::errnoText(EBADF)));
-}
-
-TEST_F(FileTest, ReadsWritesAndSeeksKeepTheirPlace) {
-    const fs::path p = make("rw", "abcdef");
-    File f;
-    f.open(p, Access::ReadWrite, 0, Disposition::OpenAlways, Sharing::DenyNone);
-    f.write("XY", 2);
-    char buffer[8] = {};
-    EXPECT_EQ(f.read(buffer, 2), 2u);
-    EXPECT_EQ(std::string(buffer, 2), "cd");
-    f.write("Z", 1);
-    f.flush();
-    EXPECT_EQ(contents(p), "XYcdZf");
-    // A short read at the end is no error and sets end-of-file; a seek clears it.
-    EXPECT_FALSE(f.eof());
-    EXPECT_EQ(f.read(buffer, 8), 1u);
-    EXPECT_TRUE(f.eof());
-    EXPECT_EQ(f.read(buffer, 8), 0u);
-    EXPECT_EQ(f.seek(-3, Origin::End), 3);
-    EXPECT_FALSE(f.eof());
-    EXPECT_EQ(f.seek(2, Origin::Current), 5);
-    EXPECT_EQ(f.seek(5'000'000'000LL, Origin::Begin), 5'000'000'000LL);
-    EXPECT_EQ(messageOf([&] { f.seek(-1, Origin::Begin); }), "seek failed");
-    EXPECT_EQ(f.seek(0, Origin::Current), 5'000'000'000LL);  // a failed seek moves nothing
-    f.close();
-
-    File log;  // an appending stream writes at the end wherever it was moved
-    log.open(p, Access::ReadWrite, Options::Append, Disposition::OpenAlways, Sharing::DenyNone);
-    log.seek(0, Origin::Begin);
-    log.write("!", 1);
-    log.close();
-    EXPECT_EQ(contents(p), "XYcdZf!");
-}
-
-TEST_F(FileTest, SharingModesExcludeEachOther) {
-    const fs::path p = make("shared", "hello");
-    const struct {
-        int first;
-        int second;
-        bool secondOpens;
-    } cases[] = {
-        {Sharing::DenyNone, Sharing::DenyReadWrite, true},
-        {Sharing::DenyWrite, Sharing::DenyWrite, true},
-        {Sharing::DenyWrite, Sharing::DenyRead, false},
-        {Sharing::DenyReadWrite, Sharing::DenyWrite, false},
-        {Sharing::DenyReadWrite, Sharing::DenyNone, true},
-        {42, Sharing::DenyWrite, false},  // any other value denies both
-    };
-    for (const auto& c : cases) {
-        File first;
-        first.open(p, Access::Read, 0, Disposition::OpenExisting, c.first);
-        File second;
-        // A refused writer must not have emptied the file on its way to the refusal.
-        const std::string error =
-            messageOf([&] { second.open(p, Access::Write, 0, Disposition::OpenExisting, c.second); });
-        EXPECT_EQ(second.isOpen(), c.secondOpens) << c.first << "/" << c.second << ": " << error;
-        if (!c.secondOpens) {
-            EXPECT_EQ(error.rfind("Failed to Open File \"" + p.string() + "\": ", 0), 0u) << error;
-            EXPECT_EQ(contents(p), "hello");
-        }
-        second.close();
-        make("shared", "hello");
     }
 }
 
