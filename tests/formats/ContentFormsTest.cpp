@@ -2,20 +2,16 @@
 // user, the head of a file that decides its form, and what a roaming list document refuses.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "formats/ContentSniff.h"
 #include "formats/FileKinds.h"
+#include "tests/support/Files.h"
 
 namespace Tarn {
 namespace {
 
-std::vector<uint8_t> Load(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using Test::SlurpBytes;
 
 std::vector<uint8_t> Bytes(const std::string& text) {
     return {text.begin(), text.end()};
@@ -45,7 +41,7 @@ TEST(ContentForms, JsonAndTextFormsAreReadWhateverTheFileIsCalled) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.file + " as " + c.readAs);
         std::string error;
-        auto doc = ReadFileDocumentBytes(Load(c.file), c.readAs, error);
+        auto doc = ReadFileDocumentBytes(SlurpBytes(c.file), c.readAs, error);
         ASSERT_TRUE(doc) << error;
         EXPECT_EQ(doc->KindName(), c.kind);
         EXPECT_EQ(doc->Notices(), c.notice.empty() ? std::vector<std::string>{}
@@ -58,7 +54,7 @@ TEST(ContentForms, EveryMmssKindComesBackFromItsJsonUnderAnyName) {
     for (const char* name : {"sample.mspl", "sample.mlpl", "sample.Bst3Gpp", "sample.ehplmn", "sample.oplmn",
                              "sample.tot", "sample.laf"}) {
         SCOPED_TRACE(name);
-        const std::vector<uint8_t> original = Load(kMmss + name);
+        const std::vector<uint8_t> original = SlurpBytes(kMmss + name);
         std::string error;
         nlohmann::json json;
         ReadFileDocumentBytes(original, name, error)->ToJson(json);
@@ -106,10 +102,10 @@ TEST(ContentForms, WhatIsNotReadableSaysWhatItIs) {
         std::string error;  // the start of the message
     };
     const Case cases[] = {
-        {"MMSS text view", Load(kMmss + "sample.mspl.txt"), "sample.mspl.txt",
+        {"MMSS text view", SlurpBytes(kMmss + "sample.mspl.txt"), "sample.mspl.txt",
          "This is the text view of an MMSS file (MSPL Table), which Tarn writes but does not "
          "read back"},
-        {"MMSS text view under a list name", Load(kMmss + "sample.tot.txt"), "x.prl",
+        {"MMSS text view under a list name", SlurpBytes(kMmss + "sample.tot.txt"), "x.prl",
          "This is the text view of an MMSS file (Tech Order Table)"},
         {"broken JSON", Bytes("{\"kind\": \"roamingList\", "), "x.prl",
          "The file starts like JSON but is not valid JSON: "},

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <iterator>
 #include <optional>
@@ -14,6 +13,7 @@
 #include "foundation/AtomicFile.h"
 #include "foundation/Exception.h"
 #include "foundation/File.h"
+#include "tests/support/Files.h"
 
 namespace {
 
@@ -25,23 +25,11 @@ using System::Io::Sharing;
 
 class FileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        static int counter = 0;
-        dir_ = fs::temp_directory_path() /
-               ("tarn-file-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
-        fs::create_directories(dir_);
-    }
-    void TearDown() override { fs::remove_all(dir_); }
-
     fs::path make(const std::string& name, const std::string& content) {
-        const fs::path p = dir_ / name;
-        std::ofstream(p, std::ios::binary) << content;
-        return p;
+        Tarn::Test::WriteText(dir_ / name, content);
+        return dir_ / name;
     }
-    static std::string contents(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
+    static std::string contents(const fs::path& p) { return Tarn::Test::Slurp(p); }
     // The message of the Lang::Exception `f` throws, or "" when it throws none.
     static std::string messageOf(const std::function<void()>& f) {
         try {
@@ -53,7 +41,8 @@ protected:
     }
     size_t entries() const { return static_cast<size_t>(std::distance(fs::directory_iterator(dir_), {})); }
 
-    fs::path dir_;
+    const Tarn::Test::TempDir tmp_;
+    const fs::path& dir_ = tmp_.Path();
 };
 
 // Each disposition against a file holding "hello" or against no file: the refusal, or what the

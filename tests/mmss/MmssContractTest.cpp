@@ -61,7 +61,7 @@ TEST(MmssContract, EveryKindRoundTripsRendersAndRefusesDamage) {
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.file);
         const std::string path = DataPath(c.file);
-        const std::vector<uint8_t> original = LoadBytes(path);
+        const std::vector<uint8_t> original = SlurpBytes(path);
         ASSERT_FALSE(original.empty());
         const FileKindInfo& info = MmssKind(c.kind);
 
@@ -92,7 +92,7 @@ TEST(MmssContract, EveryKindRoundTripsRendersAndRefusesDamage) {
         const std::string text = doc->RenderText();
         const std::string goldenPath = path + ".txt";
         if (std::getenv("TARN_UPDATE_GOLDEN")) std::ofstream(goldenPath, std::ios::binary) << text;
-        const auto golden = LoadBytes(goldenPath);
+        const auto golden = SlurpBytes(goldenPath);
         EXPECT_EQ(text, std::string(golden.begin(), golden.end()));
 
         for (const auto& bad : Damaged(original, c.damage)) {
@@ -137,7 +137,7 @@ TEST(MmssContract, HeaderFieldsTakeTheirWholeRangeAndNoMore) {
         const std::string path = DataPath(std::string("sample.") +
                                           MmssKind(f.kind).extensions.front());
         std::string error;
-        const auto bytes = LoadBytes(path);
+        const auto bytes = SlurpBytes(path);
         for (const auto& [value, message] :
              std::vector<std::pair<std::string, std::string>>{
                  {"0", ""}, {f.largest, ""}, {f.onePast, f.invalid}, {"", f.missing}}) {

@@ -2,12 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "formats/FileKinds.h"
+#include "tests/support/Files.h"
 
 namespace Tarn::MmssTest {
 
@@ -15,10 +14,7 @@ inline std::string DataPath(const std::string& name) {
     return std::string(TARN_TEST_DATA_DIR) + "/mmss/" + name;
 }
 
-inline std::vector<uint8_t> LoadBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using Test::SlurpBytes;
 
 // "13 F0 10" -> {0x13, 0xF0, 0x10}
 inline std::vector<uint8_t> Hex(const std::string& text) {

@@ -1,16 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "roaming_list/ConcatPrl.h"
 #include "roaming_list/RLManager.h"
 #include "tests/roaming_list/ListSamples.h"
+#include "tests/support/Files.h"
 #include "tests/support/ListBytes.h"
 
 namespace Tarn {
@@ -23,36 +21,14 @@ std::vector<uint8_t> TenByteList(uint16_t id) {
         Tarn::Test::PackBits({{16, 0}, {16, id}, {1, 1}, {8, 0x40}, {9, 0}, {14, 0}}));
 }
 
-// Sets the 16-bit word at `at` and makes the outer CRC right again.
-std::vector<uint8_t> WithWord(std::vector<uint8_t> bytes, size_t at, uint16_t word) {
-    bytes[at] = static_cast<uint8_t>(word >> 8);
-    bytes[at + 1] = static_cast<uint8_t>(word);
-    const uint16_t crc = Crc16(bytes.data(), bytes.size() - 2);
-    bytes[bytes.size() - 2] = static_cast<uint8_t>(crc >> 8);
-    bytes[bytes.size() - 1] = static_cast<uint8_t>(crc);
-    return bytes;
-}
-
 class ConcatPrlFiles : public ::testing::Test {
 protected:
-    void SetUp() override {
-        dir_ =
-            fs::temp_directory_path() / ("tarn-concat-" + std::to_string(std::random_device{}()));
-        fs::create_directories(dir_);
-    }
-    void TearDown() override { fs::remove_all(dir_); }
-
     fs::path Put(const std::string& name, const std::vector<uint8_t>& bytes) {
-        std::ofstream(dir_ / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()),
-                   static_cast<std::streamsize>(bytes.size()));
+        Tarn::Test::WriteBytes(dir_ / name, bytes);
         return dir_ / name;
     }
     fs::path Path(const std::string& name) const { return dir_ / name; }
-    std::vector<uint8_t> Get(const std::string& name) const {
-        std::ifstream in(dir_ / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
+    std::vector<uint8_t> Get(const std::string& name) const { return Tarn::Test::SlurpBytes(dir_ / name); }
     static std::string ErrorOf(const std::function<void()>& operation) {
         try {
             operation();
@@ -62,7 +38,7 @@ protected:
         return "";
     }
 
-    fs::path dir_;
+    Tarn::Test::TempDir dir_;
 };
 
 TEST_F(ConcatPrlFiles, JoinCopiesBothListsAndSplitGivesThemBack) {
@@ -111,15 +87,15 @@ TEST(CheckConcatenatedPrl, ShortBuffersAndSizeWordsThatDoNotAddUp) {
             CheckConcatenatedPrl(bytes.empty() ? nullptr : bytes.data(), bytes.size(), s1));
     }
     // 10 + 10 + 2 bytes whose inner CRCs are not sealed, with the first size word set to s1.
-    const std::vector<uint8_t> addsUp = WithWord(std::vector<uint8_t>(22, 0), 10, 10);
+    const std::vector<uint8_t> addsUp = Tarn::Test::WithWord(std::vector<uint8_t>(22, 0), 10, 10);
     for (uint16_t s1 : {0, 1, 9, 10, 11, 18, 19, 20, 0xFFFF}) {
         size_t out = 0;
-        const auto bytes = WithWord(addsUp, 0, s1);
+        const auto bytes = Tarn::Test::WithWord(addsUp, 0, s1);
         EXPECT_FALSE(CheckConcatenatedPrl(bytes.data(), bytes.size(), out)) << s1;
     }
     // A first size word of 1 makes the second one 0x0100: a file of 1 + 256 + 2 bytes adds up,
     // but its first list is too short to hold its own CRC.
-    const std::vector<uint8_t> one = WithWord(std::vector<uint8_t>(259, 0), 1, 0x0100);
+    const std::vector<uint8_t> one = Tarn::Test::WithWord(std::vector<uint8_t>(259, 0), 1, 0x0100);
     size_t out = 7;
     EXPECT_FALSE(CheckConcatenatedPrl(one.data(), one.size(), out));
     EXPECT_EQ(out, 7u);

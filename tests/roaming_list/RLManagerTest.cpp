@@ -16,6 +16,7 @@ namespace {
 using Test::PackBits;
 using Test::Prefix;
 using Test::Seal;
+using Test::WithWord;
 
 // Header of an empty short-form list: ID 0x1234, preferred only, roaming indicator 0x55.
 std::vector<uint8_t> EmptyShortList() {
@@ -37,26 +38,9 @@ std::vector<uint8_t> EmptyLongList(uint32_t sspr = 3, uint32_t commonSubnets = 0
 }
 
 // A short-form list announcing `count` acquisition records, followed by `records`.
-std::vector<uint8_t> ShortListOf(uint32_t count,
-                                 std::initializer_list<std::pair<int, uint32_t>> records) {
-    std::vector<std::pair<int, uint32_t>> fields = {{16, 0}, {16, 1},    {1, 0},
-                                                    {8, 0},  {9, count}, {14, 0}};
-    fields.insert(fields.end(), records.begin(), records.end());
-    CRLFile f;
-    uint64_t bits = 0;
-    for (auto [w, v] : fields) f.WriteBits(w, v), bits += static_cast<uint64_t>(w);
-    f.PadToByte(bits);
-    return Seal(f.Bytes());
-}
-
-// The list `bytes` with its 16-bit size field set to `size` and its CRC made right again.
-std::vector<uint8_t> WithSize(std::vector<uint8_t> bytes, uint16_t size) {
-    bytes[0] = static_cast<uint8_t>(size >> 8);
-    bytes[1] = static_cast<uint8_t>(size);
-    const uint16_t crc = Crc16(bytes.data(), bytes.size() - 2);
-    bytes[bytes.size() - 2] = static_cast<uint8_t>(crc >> 8);
-    bytes[bytes.size() - 1] = static_cast<uint8_t>(crc);
-    return bytes;
+std::vector<uint8_t> ShortListOf(uint32_t count, std::vector<std::pair<int, uint32_t>> records) {
+    records.insert(records.begin(), {{16, 0}, {16, 1}, {1, 0}, {8, 0}, {9, count}, {14, 0}});
+    return Seal(PackBits(records));
 }
 
 TEST(ValidateFile, SizeAndCrcOfPlainAndPrefixedForms) {
@@ -81,8 +65,8 @@ TEST(ValidateFile, SizeAndCrcOfPlainAndPrefixedForms) {
         {"prefix with another first byte", Prefix(plain, 0x04), 0, false},
         {"prefix whose bit count is off", prefixedBadCount, 0, false},
         {"wrong CRC", badCrc, 0, false},
-        {"size field one short", WithSize(plain, 9), 0, false},
-        {"size field one long", WithSize(plain, 11), 0, false},
+        {"size field one short", WithWord(plain, 0, 9), 0, false},
+        {"size field one long", WithWord(plain, 0, 11), 0, false},
         {"the largest list", largest, 3, false},
         {"the largest list prefixed", Prefix(largest), 3, true},
         {"three bytes", {0x00, 0x03, 0x00}, 0, false},

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -12,7 +11,7 @@
 namespace Tarn::Test {
 
 // Fields as (width, value) pairs, packed MSB first with no alignment.
-inline std::vector<uint8_t> PackBits(std::initializer_list<std::pair<int, uint32_t>> fields) {
+inline std::vector<uint8_t> PackBits(const std::vector<std::pair<int, uint32_t>>& fields) {
     CRLFile f;
     uint64_t bits = 0;
     for (auto [w, v] : fields) {
@@ -33,6 +32,16 @@ inline std::vector<uint8_t> Seal(std::vector<uint8_t> body) {
     body.push_back(static_cast<uint8_t>(crc >> 8));
     body.push_back(static_cast<uint8_t>(crc & 0xFF));
     return body;
+}
+
+// `bytes` with the 16-bit word at `at` set to `word` and the closing CRC made right again.
+inline std::vector<uint8_t> WithWord(std::vector<uint8_t> bytes, size_t at, uint16_t word) {
+    bytes[at] = static_cast<uint8_t>(word >> 8);
+    bytes[at + 1] = static_cast<uint8_t>(word);
+    const uint16_t crc = Crc16(bytes.data(), bytes.size() - 2);
+    bytes[bytes.size() - 2] = static_cast<uint8_t>(crc >> 8);
+    bytes[bytes.size() - 1] = static_cast<uint8_t>(crc);
+    return bytes;
 }
 
 // The 5-byte prefix some tools put in front of a list: 0x02 and the list's bit count LE.
