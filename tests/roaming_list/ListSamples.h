@@ -15,12 +15,11 @@
 
 namespace Tarn::ListSamples {
 
-inline std::string Header(const std::string& typeName, bool prefOnly = true, int listId = 100,
-                          int roamInd = 1) {
+inline std::string Header(const std::string& type, const std::string& prefOnly = "TRUE",
+                          const std::string& id = "100", const std::string& roamInd = "1") {
     return "\r\n\t\t=============== ROAMING LIST ===============\r\n\r\n\tRoaming List Type:\t\t" +
-           typeName + "\r\n\tPreferred Only:\t\t" + (prefOnly ? "TRUE" : "FALSE") +
-           "\r\n\tPreferred List ID:\t\t" + std::to_string(listId) +
-           "\r\n\tDefault Roaming Indicator:\t" + std::to_string(roamInd) + "\r\n";
+           type + "\r\n\tPreferred Only:\t\t" + prefOnly + "\r\n\tPreferred List ID:\t\t" + id +
+           "\r\n\tDefault Roaming Indicator:\t" + roamInd + "\r\n";
 }
 
 inline const std::string kAcqHead =

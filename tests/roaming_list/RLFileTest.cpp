@@ -30,34 +30,8 @@ TEST(Crc16, CheckValueAndEveryStepOfTheFolding) {
         EXPECT_EQ(Crc16(bytes.data() + c.offset, c.length), c.crc) << c.offset << "+" << c.length;
 }
 
-// Fields written in order from a fresh file give exactly these bytes, and read back the same.
-TEST(CRLFile, FieldsPackMostSignificantBitFirstAcrossBytes) {
-    struct Case {
-        const char* name;
-        std::vector<std::pair<int, uint32_t>> fields;
-        std::vector<uint8_t> bytes;
-    };
-    const std::vector<Case> cases = {
-        {"3+5 bits share one byte", {{3, 0b101}, {5, 0b00001}}, {0xA1}},
-        {"16 bits big-endian", {{16, 0x1234}}, {0x12, 0x34}},
-        {"9 bits from offset 7", {{7, 0}, {9, 0x1FF}, {8, 0x55}}, {0x01, 0xFF, 0x55}},
-        {"32-bit field off a boundary",
-         {{4, 0xF}, {32, 0x12345678}, {4, 0xA}},
-         {0xF1, 0x23, 0x45, 0x67, 0x8A}},
-        {"single bits", {{1, 1}, {1, 0}, {1, 1}, {1, 1}, {4, 0}}, {0xB0}},
-        {"partial last byte stays on disk", {{12, 0xABC}}, {0xAB, 0xC0}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        CRLFile out;
-        for (const auto& [width, value] : c.fields) out.WriteBits(width, value);
-        EXPECT_EQ(out.Bytes(), c.bytes);
-        CRLFile in(c.bytes);
-        for (const auto& [width, value] : c.fields) EXPECT_EQ(in.ReadBits(width), value);
-    }
-}
-
-// The carrying rules one bit at a time, as the stream is documented: the model the whole-window
+// Fields are packed most significant bit first across bytes. The carrying rules one bit at a
+// time, as the stream is documented: the model the whole-window
 // reads and writes must agree with wherever a field lands, the last bytes of an image included.
 struct BitModel {
     std::vector<uint8_t> bytes;

@@ -150,18 +150,5 @@ TEST(SysItemBinary, RecordsThatCannotBeFramedAreRefused) {
     }
 }
 
-TEST(SysItemBinary, FreshUndefinedRecordCarriesItsCommonFields) {
-    auto item = CreateSysItem(9, 5);
-    item->SetAcqIndex(300);
-    uint32_t bits = 0;
-    CRLFile in(WriteOne(*item, 5, bits));
-    EXPECT_EQ(bits, 24u);
-    in.SetVersion(5);
-    auto back = ReadOne(in, 5, bits);
-    EXPECT_EQ(back->GetSysType(), 9);
-    EXPECT_EQ(back->GetAcqIndex(), 300u);
-    EXPECT_TRUE(back->IsPreferred());
-}
-
 }  // namespace
 }  // namespace Tarn

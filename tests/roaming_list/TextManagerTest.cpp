@@ -16,17 +16,10 @@
 namespace Tarn {
 namespace {
 
-using ListSamples::Binary;
+using ListSamples::Header;
 using ListSamples::kAcqHead;
 using ListSamples::kSysHead;
 using ListSamples::Text;
-
-std::string Header(const std::string& type, const std::string& prefOnly, const std::string& id,
-                   const std::string& roamInd) {
-    return "\r\n\t\t=============== ROAMING LIST ===============\r\n\r\n\tRoaming List Type:\t\t" +
-           type + "\r\n\tPreferred Only:\t\t" + prefOnly + "\r\n\tPreferred List ID:\t\t" + id +
-           "\r\n\tDefault Roaming Indicator:\t" + roamInd + "\r\n";
-}
 
 // Empty tables keep their titles and column lines; only version 3 takes the 1xEV title, and a
 // list read back carries protocol revision 3 from version 3 on.
@@ -174,7 +167,7 @@ TEST(TextLine, SpellingsOfOneRecordRead) {
     // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.line);
-        const std::string text = ListSamples::Header("IS-683C") + kAcqHead + "\t0\t5\tA\tF\t\r\n" +
+        const std::string text = Header("IS-683C") + kAcqHead + "\t0\t5\tA\tF\t\r\n" +
                                  kSysHead + c.line + "\r\n";
         const TextDetectResult r = DetectTextVersion(text);
         if (*c.error == '\0') {
