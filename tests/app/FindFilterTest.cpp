@@ -48,7 +48,7 @@ struct OpenList {
     CRLView* view = nullptr;
 
     OpenList() {
-        bytes = AppTest::ListBytes(3, *LargeList());
+        bytes = AppTest::Binary(*LargeList(), 3);
         AppTest::WriteBytes(f.Path("large.prl"), bytes);
         doc = qobject_cast<CRLDoc*>(f.app->OpenDocumentFile(f.Path("large.prl")));
         if (doc && !doc->Windows().empty()) view = qobject_cast<CRLView*>(doc->Windows().front()->widget());

@@ -16,9 +16,9 @@
 #include "app/MainFrame.h"
 #include "app/TessaryApp.h"
 #include "foundation/MessageTable.h"
-#include "roaming_list/RLFile.h"
-#include "roaming_list/RLManager.h"
 #include "tests/app/FakePrompts.h"
+#include "tests/roaming_list/ListSamples.h"
+#include "tests/support/Files.h"
 
 namespace Tarn::AppTest {
 
@@ -27,27 +27,14 @@ inline QString Text(unsigned id, std::initializer_list<MessageArg> args = {}) {
 }
 
 inline std::vector<uint8_t> ReadBytes(const QString& path) {
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) return {};
-    const QByteArray b = f.readAll();
-    return {b.begin(), b.end()};
+    return Test::SlurpBytes(path.toStdString());
 }
 
 inline void WriteBytes(const QString& path, const std::vector<uint8_t>& bytes) {
-    QFile f(path);
-    f.open(QIODevice::WriteOnly | QIODevice::Truncate);
-    f.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
+    Test::WriteBytes(path.toStdString(), bytes);
 }
 
-// The bytes a manager of `version` writes for `data`.
-inline std::vector<uint8_t> ListBytes(int version, const CRLData& data) {
-    auto manager = CreateClassFactory(version)->CreateManager();
-    auto copy = std::make_unique<CRLData>(data);
-    manager->AttachData(copy);
-    CRLFile file;
-    if (!manager->WriteList(file)) return {};
-    return file.Bytes();
-}
+using ListSamples::Binary;
 
 // A list with no records: enough for everything that does not look at records.
 inline std::vector<uint8_t> EmptyListBytes(int version, uint16_t prefListId = 7,
@@ -55,7 +42,7 @@ inline std::vector<uint8_t> EmptyListBytes(int version, uint16_t prefListId = 7,
     CRLData data;
     data.GetProperties().prefListId = prefListId;
     data.GetProperties().defRoamInd = defRoamInd;
-    return ListBytes(version, data);
+    return Binary(data, version);
 }
 
 // An application started without a window on screen; its main frame exists but stays hidden.

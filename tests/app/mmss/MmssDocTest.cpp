@@ -23,11 +23,6 @@ using App::MmssView;
 
 const QString kData = QStringLiteral(TARN_EXAMPLES_DIR "/../tests/data/mmss/");
 
-QByteArray FileBytes(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 QString CopySample(AppFixture& f, const QString& name) {
     const QString path = f.Path(name);
     QFile::remove(path);
@@ -74,15 +69,15 @@ TEST(MmssDoc, EachKindOpensSavesUnchangedAndSavesAGridEdit) {
         EXPECT_TRUE(f.prompts.messages.empty());
         QString text;
         ASSERT_TRUE(doc->GetPrintText(text));
-        EXPECT_EQ(text, QString::fromUtf8(FileBytes(kData + s.file + ".txt")));
+        EXPECT_EQ(text, QString::fromStdString(Tarn::Test::Slurp((kData + s.file + ".txt").toStdString())));
         ASSERT_TRUE(doc->DoFileSave()) << Shown(f).toStdString();
-        EXPECT_EQ(FileBytes(path), FileBytes(kData + s.file));
+        EXPECT_EQ(AppTest::ReadBytes(path), AppTest::ReadBytes(kData + s.file));
 
         GridModel& grid = *doc->Tab(s.tab).grid;
         ASSERT_TRUE(grid.setData(grid.index(s.row, s.column), s.edit, Qt::EditRole));
         EXPECT_TRUE(doc->IsModified());
         ASSERT_TRUE(doc->DoFileSave()) << Shown(f).toStdString();
-        EXPECT_NE(FileBytes(path), FileBytes(kData + s.file));
+        EXPECT_NE(AppTest::ReadBytes(path), AppTest::ReadBytes(kData + s.file));
         Close(f, doc);
     }
 }
@@ -151,14 +146,14 @@ TEST(MmssDoc, FormFieldsSaveUpToTheirLargestValue) {
         set(c.largest);
         f.prompts.Clear();
         ASSERT_TRUE(doc->DoFileSave()) << Shown(f).toStdString();
-        const QByteArray saved = FileBytes(path);
+        const auto saved = AppTest::ReadBytes(path);
 
         set(c.onePast);
         QSignalSpy header(doc, &MmssDocument::focusHeaderField);
         QSignalSpy tab(doc, &MmssDocument::focusTabField);
         EXPECT_FALSE(doc->DoFileSave());
         EXPECT_EQ(f.prompts.MessageTexts(), QStringList{c.message});
-        EXPECT_EQ(FileBytes(path), saved) << "a refused save wrote the file";
+        EXPECT_EQ(AppTest::ReadBytes(path), saved) << "a refused save wrote the file";
         if (c.tab < 0) {
             ASSERT_EQ(header.count(), 1);
             EXPECT_EQ(header[0][0].toInt(), c.field);
@@ -220,7 +215,7 @@ TEST(MmssDoc, SaveChecksShowTheirMessageAndTab) {
         f.prompts.Clear();
         EXPECT_FALSE(doc->DoFileSave());
         EXPECT_EQ(f.prompts.MessageTexts(), QStringList{c.message});
-        EXPECT_EQ(FileBytes(path), FileBytes(kData + c.file)) << "a refused save wrote the file";
+        EXPECT_EQ(AppTest::ReadBytes(path), AppTest::ReadBytes(kData + c.file)) << "a refused save wrote the file";
         if (c.tab >= 0) {
             EXPECT_EQ(ViewOf(*doc)->Tabs()->currentIndex(), c.tab);
         }
